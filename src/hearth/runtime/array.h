@@ -1,0 +1,86 @@
+// The dynamic array whose every access is checked.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/runtime/checked.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <type_traits>
+#include <vector>
+
+namespace ht {
+
+/// A value array with 32-bit lengths; `[]` raises ERangeError outside it, in every build type.
+template <class T> class TArray {
+    static_assert(!std::is_same_v<T, bool>, "use TArray<std::uint8_t>: packed bits have no addresses");
+
+public:
+    TArray() = default;
+    TArray(std::initializer_list<T> items)
+        : FItems(items)
+    {
+    }
+    explicit TArray(std::int32_t length) { SetLength(length); }
+
+    std::int32_t Length() const noexcept { return static_cast<std::int32_t>(FItems.size()); }
+    std::size_t size() const noexcept { return FItems.size(); }
+    bool IsEmpty() const noexcept { return FItems.empty(); }
+
+    /// Grows with default values or cuts. Throws ERangeError for a negative length.
+    void SetLength(std::int32_t length) { FItems.resize(CheckedCast<std::size_t>(length)); }
+    void Reserve(std::int32_t capacity) { FItems.reserve(CheckedCast<std::size_t>(capacity)); }
+    void Clear() noexcept { FItems.clear(); }
+
+    T& operator[](std::int32_t index) { return FItems[Checked(index)]; }
+    const T& operator[](std::int32_t index) const { return FItems[Checked(index)]; }
+    /// First and last item; throw ERangeError on an empty array.
+    T& First() { return (*this)[0]; }
+    T& Last() { return (*this)[Length() - 1]; }
+    const T& Last() const { return (*this)[Length() - 1]; }
+
+    /// Appends and returns the new index.
+    std::int32_t Add(T item)
+    {
+        const std::int32_t index = CheckedLength(FItems.size() + 1) - 1;
+        FItems.push_back(std::move(item));
+        return index;
+    }
+    /// Puts `item` in front of `index`, which may be the length.
+    void Insert(std::int32_t index, T item)
+    {
+        if (index < 0 || index > Length()) [[unlikely]]
+            RaiseRangeError();
+        FItems.insert(FItems.begin() + index, std::move(item));
+    }
+    void Delete(std::int32_t index, std::int32_t count = 1)
+    {
+        if (count < 0 || index < 0 || count > Length() - index) [[unlikely]]
+            RaiseRangeError();
+        FItems.erase(FItems.begin() + index, FItems.begin() + index + count);
+    }
+
+    T* data() noexcept { return FItems.data(); }
+    const T* data() const noexcept { return FItems.data(); }
+    auto begin() noexcept { return FItems.begin(); }
+    auto end() noexcept { return FItems.end(); }
+    auto begin() const noexcept { return FItems.begin(); }
+    auto end() const noexcept { return FItems.end(); }
+
+    friend bool operator==(const TArray&, const TArray&) = default;
+
+private:
+    std::size_t Checked(std::int32_t index) const
+    {
+        if (static_cast<std::size_t>(static_cast<std::uint32_t>(index)) >= FItems.size()) [[unlikely]]
+            RaiseRangeError();
+        return static_cast<std::size_t>(index);
+    }
+
+    std::vector<T> FItems;
+};
+
+/// Bytes by value.
+using TBytes = TArray<std::uint8_t>;
+
+}

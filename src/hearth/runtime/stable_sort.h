@@ -1,0 +1,36 @@
+// Sorting with comparisons that cannot be trusted.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace ht {
+
+/// Sorts stably by `compare(a, b)`, negative when a goes first. The comparison may contradict itself (scripts
+/// supply some), which the C++ library's sorts answer with reads outside the range; the order is then any,
+/// but all items are there. When it throws, `items` is as before. N log N comparisons.
+template <class T, class Compare> void StableSort(std::vector<T>& items, Compare compare)
+{
+    std::vector<T> from = items;
+    std::vector<T> to(items.size());
+    for (std::size_t width = 1; width < items.size(); width *= 2) {
+        for (std::size_t start = 0; start < items.size(); start += 2 * width) {
+            std::size_t left = start;
+            const std::size_t middle = std::min(start + width, items.size());
+            std::size_t right = middle;
+            const std::size_t end = std::min(middle + width, items.size());
+            for (std::size_t place = start; place < end; ++place) {
+                const bool takeLeft =
+                    left < middle && (right == end || compare(from[left], from[right]) <= 0);
+                to[place] = std::move(from[takeLeft ? left++ : right++]);
+            }
+        }
+        std::swap(from, to);
+    }
+    items.swap(from);
+}
+
+}

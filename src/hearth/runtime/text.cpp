@@ -1,0 +1,211 @@
+// Making, joining and comparing text; UTF-8 stands in text_utf8.cpp.
+// SPDX-License-Identifier: MIT
+#include <hearth/runtime/text.h>
+
+#include <hearth/runtime/checked.h>
+#include <hearth/runtime/memory.h>
+
+#include <cstring>
+#include <ostream>
+
+namespace ht {
+
+namespace {
+
+std::size_t BlockBytes(std::size_t length)
+{
+    return sizeof(detail::TextHeader) + (length + 1) * sizeof(char16_t);
+}
+
+void CopyUnits(char16_t* to, std::u16string_view from)
+{
+    if (!from.empty())
+        std::memcpy(to, from.data(), from.size() * sizeof(char16_t));
+}
+
+template <class Fold> String Folded(const String& text, bool (*changes)(char16_t), Fold fold)
+{
+    const char16_t* first = std::find_if(text.begin(), text.end(), changes);
+    if (first == text.end())
+        return text;
+    char16_t* units = nullptr;
+    String result = String::Uninitialized(text.size(), units);
+    std::transform(text.begin(), text.end(), units, fold);
+    return result;
+}
+
+String Part(const String& whole, std::u16string_view part)
+{
+    return part.size() == whole.size() ? whole : String(part);
+}
+
+}
+
+String::String(std::u16string_view text)
+{
+    char16_t* units = nullptr;
+    *this = Uninitialized(text.size(), units);
+    CopyUnits(units, text);
+}
+
+String::String(std::size_t count, char16_t unit)
+{
+    char16_t* units = nullptr;
+    *this = Uninitialized(count, units);
+    std::fill_n(units, count, unit);
+}
+
+String String::Uninitialized(std::size_t length, char16_t*& units)
+{
+    if (length == 0) {
+        units = nullptr;
+        return String();
+    }
+    const std::int32_t checkedLength = CheckedLength(length);
+    auto* header = static_cast<detail::TextHeader*>(memory::Allocate(BlockBytes(length)));
+    header->count = 1;
+    header->length = checkedLength;
+    units = reinterpret_cast<char16_t*>(header + 1);
+    units[length] = 0;
+    return String(TAdopt{}, units);
+}
+
+String String::FromLatin1(std::string_view bytes)
+{
+    char16_t* units = nullptr;
+    String result = Uninitialized(bytes.size(), units);
+    std::transform(bytes.begin(), bytes.end(), units,
+        [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
+    return result;
+}
+
+void String::FreeUnits() noexcept
+{
+    memory::Free(&Header());
+}
+
+std::int32_t String::ReferenceCount() const noexcept
+{
+    return FUnits ? std::atomic_ref<std::int32_t>(Header().count).load(std::memory_order_relaxed) : 0;
+}
+
+String String::Substring(std::int32_t start, std::int32_t count) const
+{
+    const std::int64_t first = std::clamp<std::int64_t>(start, 0, Length());
+    const std::int64_t last = std::clamp<std::int64_t>(std::int64_t{start} + count, first, Length());
+    return Part(
+        *this, View().substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first)));
+}
+
+String String::ToLowerAscii() const
+{
+    return Folded(*this, IsAsciiUpper, FoldAscii);
+}
+
+String String::ToUpperAscii() const
+{
+    return Folded(
+        *this, IsAsciiLower, [](char16_t c) { return IsAsciiLower(c) ? static_cast<char16_t>(c - 32) : c; });
+}
+
+String String::Trim() const
+{
+    return Part(*this, TrimView(*this));
+}
+
+String String::TrimLeft() const
+{
+    return Part(*this, TrimLeftView(*this));
+}
+
+String String::TrimRight() const
+{
+    return Part(*this, TrimRightView(*this));
+}
+
+String& String::operator+=(std::u16string_view text)
+{
+    if (text.empty())
+        return *this;
+    const std::size_t oldLength = size();
+    const std::size_t newLength = oldLength + text.size();
+    const bool ownText = text.data() >= begin() && text.data() <= end();
+    if (ReferenceCount() != 1 || ownText)
+        return *this = View() + text;
+    const std::int32_t checkedLength = CheckedLength(newLength);
+    auto* header = static_cast<detail::TextHeader*>(memory::Reallocate(&Header(), BlockBytes(newLength)));
+    header->length = checkedLength;
+    auto* units = reinterpret_cast<char16_t*>(header + 1);
+    CopyUnits(units + oldLength, text);
+    units[newLength] = 0;
+    FUnits = units;
+    return *this;
+}
+
+String operator+(std::u16string_view a, std::u16string_view b)
+{
+    return Concat({a, b});
+}
+
+String Concat(std::initializer_list<std::u16string_view> pieces)
+{
+    std::size_t length = 0;
+    for (std::u16string_view piece : pieces)
+        length = CheckedAdd(length, piece.size());
+    char16_t* units = nullptr;
+    String result = String::Uninitialized(length, units);
+    for (std::u16string_view piece : pieces) {
+        CopyUnits(units, piece);
+        units += piece.size();
+    }
+    return result;
+}
+
+std::ostream& operator<<(std::ostream& out, const String& text)
+{
+    return out << text.ToUtf8();
+}
+
+bool SameText(std::u16string_view a, std::u16string_view b) noexcept
+{
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char16_t x, char16_t y) {
+        return FoldAscii(x) == FoldAscii(y);
+    });
+}
+
+int CompareText(std::u16string_view a, std::u16string_view b) noexcept
+{
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const int difference = int{FoldAscii(a[i])} - int{FoldAscii(b[i])};
+        if (difference != 0)
+            return difference;
+    }
+    return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
+
+bool IsBlankText(std::u16string_view text) noexcept
+{
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c <= u' '; });
+}
+
+std::u16string_view TrimLeftView(std::u16string_view text) noexcept
+{
+    while (!text.empty() && text.front() <= u' ')
+        text.remove_prefix(1);
+    return text;
+}
+
+std::u16string_view TrimRightView(std::u16string_view text) noexcept
+{
+    while (!text.empty() && text.back() <= u' ')
+        text.remove_suffix(1);
+    return text;
+}
+
+std::u16string_view TrimView(std::u16string_view text) noexcept
+{
+    return TrimLeftView(TrimRightView(text));
+}
+
+}
