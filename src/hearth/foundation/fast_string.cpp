@@ -1,0 +1,210 @@
+// Numbers, editing and assembling of the 16-bit fast string.
+// SPDX-License-Identifier: MIT
+#include <hearth/foundation/fast_string.h>
+
+#include <hearth/foundation/number_format_p.h>
+#include <hearth/runtime/streams.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+
+namespace ht {
+
+namespace {
+
+constexpr std::int32_t kMostDecimals = 8;
+constexpr double kScales[kMostDecimals + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+constexpr double kInt64Bound = 9223372036854775808.0;
+
+/// Rounds half to even, as the rounding mode of every thread here is.
+std::int64_t RoundToInt64(double value) noexcept
+{
+    const double rounded = std::nearbyint(value);
+    if (std::isnan(rounded))
+        return 0;
+    if (std::abs(rounded) < kInt64Bound)
+        return static_cast<std::int64_t>(rounded);
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    return rounded < 0 ? -kMost : kMost;
+}
+
+}
+
+TFastString::TFastString(std::int32_t delta)
+    : ChunkChain(delta)
+{
+}
+
+TFastString::~TFastString() = default;
+
+TFastString& TFastString::Add(std::int64_t value)
+{
+    char16_t scratch[21];
+    char16_t* const end = std::end(scratch);
+    const std::int64_t magnitude = value < 0 ? CheckedNegate(value) : value;
+    char16_t* first = detail::WriteDigits(static_cast<std::uint64_t>(magnitude), end);
+    if (value < 0)
+        *--first = u'-';
+    return Add(first, static_cast<std::int32_t>(end - first));
+}
+
+TFastString& TFastString::Add(double value, std::int32_t digits, bool zero)
+{
+    const auto decimals =
+        static_cast<std::size_t>(digits < 0 ? kMostDecimals : std::min(digits, kMostDecimals));
+    const double scale = kScales[decimals];
+    const std::int64_t whole = RoundToInt64(value);
+    const double scaled = std::nearbyint(value * scale);
+    // A number too large to be scaled has no decimals worth writing.
+    if (decimals == 0 || !(std::abs(scaled) < kInt64Bound)
+        || std::abs(value - static_cast<double>(whole)) * scale < 0.5)
+        return Add(whole);
+    char16_t scratch[32];
+    char16_t* end = std::end(scratch);
+    char16_t* first = detail::WriteDigits(static_cast<std::uint64_t>(std::abs(scaled)), end);
+    while (static_cast<std::size_t>(end - first) < decimals)
+        *--first = u'0';
+    // Open the gap for the point: the digits in front of it move down by one.
+    char16_t* const point = end - decimals - 1;
+    std::copy(first, point + 1, first - 1);
+    --first;
+    *point = u'.';
+    while (end[-1] == u'0')
+        --end;
+    // Half of the last place that is rounded to even leaves no decimals at all.
+    if (end[-1] == u'.')
+        --end;
+    if (first == end || (zero && first == point))
+        *--first = u'0';
+    if (scaled < 0)
+        *--first = u'-';
+    return Add(first, static_cast<std::int32_t>(end - first));
+}
+
+String TFastString::GetAsString() const
+{
+    char16_t* units = nullptr;
+    String text = String::Uninitialized(static_cast<std::size_t>(GetTotalLen()), units);
+    CopyTo(units, 0, GetTotalLen());
+    return text;
+}
+
+void TFastString::ToStringFrom(String& s, std::int32_t startPos) const
+{
+    const std::int32_t start = std::max(startPos, 1) - 1;
+    const std::int32_t length = std::max(GetTotalLen() - std::max(startPos, 0), 0);
+    char16_t* units = nullptr;
+    String text = String::Uninitialized(static_cast<std::size_t>(length), units);
+    CopyTo(units, start, length);
+    s = std::move(text);
+}
+
+void TFastString::ClearandLeaveSpace() noexcept
+{
+    FreeBehindHead();
+    FHead.Len = 0;
+}
+
+void TFastString::Refill(std::u16string_view text)
+{
+    Clear();
+    Add(text);
+}
+
+void TFastString::DeletefromEnd(std::int32_t count)
+{
+    if (count < 1)
+        return;
+    if (count <= FCurrent->Len) {
+        FCurrent->Len -= count;
+        return;
+    }
+    const std::int32_t left = std::max(GetTotalLen() - count, 0);
+    const String text = GetAsString();
+    Refill(text.View().substr(0, static_cast<std::size_t>(left)));
+}
+
+void TFastString::Prepend(std::u16string_view s)
+{
+    if (!s.empty())
+        PutInFront(s);
+}
+
+void TFastString::Grab(TFastString& source)
+{
+    if (source.GetTotalLen() == 0)
+        return;
+    const bool single = source.FCurrent == &source.FHead;
+    if (&source == this)
+        Add(GetAsString());
+    else if (single && source.FHead.Len < source.FHead.Size / 2)
+        Add(TextOf(source.FHead));
+    else
+        TakeChunks(source);
+}
+
+template <class Blank> void TFastString::TrimTrailing(Blank blank)
+{
+    const auto* text = static_cast<const char16_t*>(FCurrent->Data);
+    std::int32_t length = FCurrent->Len;
+    while (length > 0 && blank(text[length - 1]))
+        --length;
+    FCurrent->Len = length;
+    if (length == 0) {
+        const String whole = GetAsString();
+        Refill(TrimRightView(whole));
+    }
+}
+
+void TFastString::TrimTrailingSpaces()
+{
+    TrimTrailing([](char16_t c) { return c == u' '; });
+}
+
+void TFastString::TrimTrailingBlanks()
+{
+    TrimTrailing([](char16_t c) { return c <= u' '; });
+}
+
+bool TFastString::EndsWith(std::u16string_view s) const noexcept
+{
+    const std::int32_t length = GetTotalLen();
+    if (length == 0 || s.size() > static_cast<std::size_t>(length))
+        return false;
+    if (s.size() <= static_cast<std::size_t>(FCurrent->Len))
+        return TextOf(*FCurrent).ends_with(s);
+    return SameAt(length - static_cast<std::int32_t>(s.size()), s);
+}
+
+char16_t TFastString::LastChar() const noexcept
+{
+    char16_t last = 0;
+    if (FCurrent->Len > 0)
+        last = TextOf(*FCurrent).back();
+    else if (GetTotalLen() > 0)
+        CopyTo(&last, GetTotalLen() - 1, 1);
+    return last;
+}
+
+void TFastString::SavetoStream(TStream& stream) const
+{
+    for (const TFSNode* node = &FHead; node; node = node->Next) {
+        if (node->Len > 0)
+            stream.WriteBuffer(node->Data, std::int64_t{node->Len} * std::int64_t{sizeof(char16_t)});
+    }
+}
+
+void TFastString::SavetoBuffer(void* buffer) const noexcept
+{
+    auto* to = static_cast<unsigned char*>(buffer);
+    for (const TFSNode* node = &FHead; node; node = node->Next) {
+        const std::size_t bytes = static_cast<std::size_t>(node->Len) * sizeof(char16_t);
+        if (bytes > 0)
+            std::memcpy(to, node->Data, bytes);
+        to += bytes;
+    }
+}
+
+}

@@ -1,0 +1,11 @@
+// The public face of the foundation's texts, numbers, dates and limits.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/foundation/date_text.h>
+#include <hearth/foundation/fast_raw_string.h>
+#include <hearth/foundation/fast_string.h>
+#include <hearth/foundation/fast_string_list.h>
+#include <hearth/foundation/limits.h>
+#include <hearth/foundation/number_text.h>
+#include <hearth/foundation/string_parser.h>
