@@ -1,0 +1,118 @@
+// Cuts HTML or XML text into tokens.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/foundation/string_parser.h>
+#include <hearth/markup/html_token.h>
+#include <hearth/markup/name_table.h>
+
+#include <string>
+
+namespace ht {
+
+/// A hand-written scanner over one text. Names of tags and attributes come from the tables of the parser that
+/// owns this tokenizer, so that a name seen before costs no string. Bodies of scripts, styles, comments and
+/// the like are one token each; entities are resolved on the way.
+///
+/// html_tokenizer.cpp dispatches, html_tokenizer_tags.cpp reads names and bodies, html_tokenizer_text.cpp
+/// reads text, strings and character references.
+class HT_API THTMLTokenizer : public TObject {
+public:
+    static constexpr TClassInfo kClassInfo{u"THTMLTokenizer", &TObject::kClassInfo};
+
+    /// Leading blanks are skipped.
+    THTMLTokenizer(const String& s, bool XMLMode);
+    const TClassInfo& ClassInfo() const override { return kClassInfo; }
+
+    /// Reads one token; false at the end of the text. `AllowString` false makes stray quotes inside a tag
+    /// disappear. In XML mode a "<" that opens no name throws EHtmlParserException.
+    bool NextToken(bool AllowString);
+
+    const THTMLToken& Token() const noexcept { return FToken; }
+    THTMLTokenType Type() const noexcept { return FToken.CType; }
+    /// The record of the name that was read last, null when it is in neither table.
+    const THtNameRec* NameRecord() const noexcept { return FNameRecord; }
+    TStringParser& Parser() noexcept { return FParser; }
+    /// True once a read met the end of the text.
+    bool Eof() const noexcept { return FEof; }
+
+    bool CaseSensitive() const noexcept { return FCaseSensitive; }
+    void SetCaseSensitive(bool value) noexcept { FCaseSensitive = value; }
+    bool XMLMode() const noexcept { return FXMLMode; }
+    void SetXMLMode(bool value) noexcept { FXMLMode = value; }
+    /// The interning tables, not owned; both must outlive the tokenizer's use.
+    void SetNameTables(THtNameTable* tagNames, THtNameTable* attributeNames) noexcept;
+    /// Reads "<" or "</" with a plain name behind it in one step, as three calls of NextToken would. False,
+    /// with nothing read, where something else stands.
+    bool ReadTagHead(bool& isCloseTag);
+    /// Reads the ">" of a tag without a body, as NextToken would.
+    bool ReadPlainTagEnd() noexcept
+    {
+        if (*FParser.p != u'>' || !FInTag || FRawBody != rbNone)
+            return false;
+        FToken.CType = htTagEnd;
+        FToken.StartPos = FParser.Offset();
+        FToken.EndPos = FToken.StartPos + 1;
+        ++FParser.p;
+        FInTag = false;
+        return true;
+    }
+    /// Reads blanks, a known attribute name, "=" and a quoted value in one step, as NextToken(false) and
+    /// three calls more would. False, with nothing read, where something else stands.
+    bool ReadPlainAttribute(const THtNameRec*& name, String& value);
+    /// Moves the cursor back one unit and forgets nothing else.
+    void StepBack() noexcept { FParser.Skip(-1); }
+
+private:
+    enum TRawBody : std::uint8_t { rbNone, rbScript, rbStyle };
+    enum TNameAction : std::uint8_t { naFind, naIntern };
+
+    bool ReadClass(unsigned charClass);
+    bool ReadSpace();
+    void ReadTagStart();
+    void ReadTagEnd();
+    void ReadTagClose();
+    void ReadLess();
+    void ReadMarked();
+
+    bool ReadShortTagHead(const char16_t* name, bool closes);
+    void ReadTag();
+    void ReadIdent();
+    void SetName(std::uint32_t hash, std::u16string_view name, THtNameTable* table, TNameAction action);
+    static TRawBody RawBodyOf(std::u16string_view tag);
+
+    void ReadComment();
+    void ReadCData();
+    void ReadCustom();
+    void ReadDirective();
+    void ReadScript();
+    void ReadStyle();
+    std::u16string_view ReadBody(std::u16string_view closingTag);
+
+    void ReadText();
+    void ReadString();
+    String ReadQuoted();
+    String ReadUpTo(char16_t mark);
+    String ReadResolved(const char16_t* end, std::u16string_view prefix);
+    std::int64_t Escape();
+    std::int64_t EscapeLoose();
+    std::int64_t EscapeNumber(const char16_t* nameEnd);
+    void AppendCodePoint(std::int64_t code);
+    [[noreturn]] void RaiseInvalidTagName() const;
+
+    void SetToken(THTMLTokenType type, const char16_t* from, const char16_t* to);
+
+    TStringParser FParser;
+    THTMLToken FToken;
+    const THtNameRec* FNameRecord = nullptr;
+    THtNameTable* FTagNames = nullptr;
+    THtNameTable* FAttributeNames = nullptr;
+    std::u16string FBuffer; // text that is put together around references
+    TRawBody FRawBody = rbNone; // what follows the tag that is being opened
+    bool FInTag = false;
+    bool FCaseSensitive;
+    bool FEof = false;
+    bool FXMLMode;
+};
+
+}

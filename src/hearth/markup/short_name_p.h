@@ -1,0 +1,33 @@
+// Short names read as one number: most tags and attributes have one.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/runtime/simd_p.h>
+
+#include <cstdint>
+
+namespace ht {
+
+/// Up to seven lower-case letters and digits as the bytes of a number, lowest first.
+struct TShortName {
+    std::uint64_t Key = 0;
+    std::int32_t Length = 0; // 0 when the name is longer, or begins with something else
+};
+
+/// The units that a reader of short names looks at.
+inline constexpr std::ptrdiff_t kShortNameUnits = simd::Units8::kCount;
+
+/// Reads the name at `p`, where kShortNameUnits units have to be readable. It ends at the first unit that is
+/// no lower-case letter or digit; whether a longer name ends there is the caller's question.
+inline TShortName ReadShortName(const char16_t* p) noexcept
+{
+    const simd::Units8 units = simd::Units8::Load(p);
+    const std::uint64_t mask = units.InRange(u'a', u'z').Or(units.InRange(u'0', u'9')).Mask();
+    const int length = std::countr_one(mask) / simd::Units8::kMaskBitsPerUnit;
+    if (length >= kShortNameUnits)
+        return {};
+    const std::uint64_t inName = (std::uint64_t{1} << (8 * length)) - 1;
+    return {units.Bytes() & inName, length};
+}
+
+}

@@ -1,0 +1,425 @@
+// Inputs made to hang, crash or exhaust: a tree comes out, in bounded time and stack.
+// SPDX-License-Identifier: MIT
+#include <hearth/foundation/fast_string.h>
+#include <hearth/foundation/hash.h>
+#include <markup/trees.h>
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+using namespace ht;
+using namespace trees;
+
+constexpr bool kSanitized = HEARTH_TEST_SANITIZED;
+
+/// Large inputs shrink where every access is checked.
+constexpr std::size_t kScale = kSanitized ? 10 : 1;
+
+/// Runs the body on a stack of 1 MB; sanitizers need more than they leave, so there it runs as it is.
+void OnSmallStack(const std::function<void()>& body)
+{
+    if (kSanitized)
+        return body();
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20U), 0);
+    pthread_t thread{};
+    const auto run = [](void* work) -> void* {
+        (*static_cast<const std::function<void()>*>(work))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&body)), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+double Seconds(const std::function<void()>& work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Four-fold input costs about four times as much, sixteen times where the cost is quadratic. Of three tries
+/// the shortest times count: a busy machine makes a time longer, nothing makes it shorter.
+void ExpectLinear(std::size_t size, const std::function<void(std::size_t)>& work)
+{
+    constexpr double kNoise = 0.05;
+    work(size / 4); // warms caches and memory
+    double once = Seconds([&] { work(size); });
+    double fourTimes = Seconds([&] { work(size * 4); });
+    for (int i = 0; i < 2; ++i) {
+        once = std::min(once, Seconds([&] { work(size); }));
+        fourTimes = std::min(fourTimes, Seconds([&] { work(size * 4); }));
+    }
+    EXPECT_LT(fourTimes, once * 10 + kNoise) << "once: " << once;
+}
+
+void ParseAndUse(const String& text)
+{
+    THtmlNode root;
+    root.Parse(text);
+    EXPECT_FALSE(root.OuterHTML().IsEmpty());
+    root.InnerText();
+    root.TextContent();
+    root.FindNode(u"none");
+}
+
+TEST(html_hostile, paragraphs_in_tables_at_the_depth_cap_do_not_repeat_for_ever)
+{
+    for (const String& text : {Repeated(u"<table><p>", 86), Repeated(u"<table><p>", 1'000),
+             Repeated(u"<b>", 254) + u"<table><p>"_s, Repeated(u"<b>", 256) + u"<table><p>x"_s,
+             Repeated(u"<table><tbody><p>", 300), Repeated(u"<table><tr><td></td><p>", 300)}) {
+        THtmlNode root;
+        root.Parse(text);
+        ExpectLinked(root);
+        std::int32_t items = 0;
+        for (const char16_t c : text.View())
+            items += c == u'<' ? 1 : 0;
+        EXPECT_LE(CountNodes(root), 4 * items + 2);
+    }
+}
+
+TEST(html_hostile, a_million_open_divs_stay_at_the_depth_cap)
+{
+    OnSmallStack([] {
+        const double seconds = Seconds([] {
+            THtmlNode root;
+            root.Parse(Repeated(u"<div>", 1'000'000 / kScale));
+            EXPECT_EQ(CountNodes(root), static_cast<std::int32_t>(1'000'000 / kScale) + 1);
+            EXPECT_LE(Depth(root), 258);
+            EXPECT_GE(Depth(root), 250);
+        });
+        EXPECT_LT(seconds, 20);
+    });
+}
+
+TEST(html_hostile, nested_inner_html_gets_as_deep_as_one_likes)
+{
+    OnSmallStack([] {
+        const String levels = Repeated(u"<i>", 200);
+        THtmlNode root(u"body"_s);
+        auto* node = &root;
+        for (int i = 0; i < 100; ++i) {
+            node->SetInnerHTML(levels);
+            node = static_cast<THtmlNode*>(node->Last());
+        }
+        node->SetInnerHTML(u"text"_s);
+        EXPECT_EQ(Depth(root), 20'001);
+        EXPECT_EQ(root.InnerText(), u"text");
+        EXPECT_EQ(root.TextContent(), u"text");
+        EXPECT_EQ(root.GetRawInnerText(), u"");
+        EXPECT_EQ(root.OuterHTML().Length(), 20'000 * 7 + 4 + 13);
+        EXPECT_EQ(root.FindNode(u"none"), nullptr);
+        EXPECT_EQ(node->Path().Length(), 20'000 * 2 + 4);
+        root.EnumerateElements();
+        root.ChangeEncoding(heUTF8, 0);
+        EXPECT_EQ(node->GetAttribute(u"_id"), u"20000");
+        bool afterBlock = false;
+        TFastString formatted(4096);
+        root.FastFormattedHTML(formatted, 0, 0, afterBlock);
+        ExpectLinked(root);
+    });
+}
+
+TEST(html_hostile, a_chain_of_a_million_children_is_destroyed_on_a_flat_stack)
+{
+    OnSmallStack([] {
+        auto root = std::make_unique<THtmlNode>(u"a"_s);
+        THtNode* node = root.get();
+        for (std::size_t i = 0; i < 1'000'000 / kScale; ++i)
+            node = node->AddChild(root->NodeClass());
+        EXPECT_EQ(root->Last(), node);
+        std::unique_ptr<THtNode> lower = root->FirstChild()->ExtractChild(root->FirstChild()->FirstChild());
+        lower.reset();
+        root->DeleteAllChildren();
+        EXPECT_EQ(CountNodes(*root), 1);
+    });
+}
+
+TEST(html_hostile, every_construct_may_be_cut_off)
+{
+    const std::u16string_view constructs[] = {u"a&quot;", u"a&amp;", u"a&nbsp;", u"a&#65;", u"a&#x41;",
+        u"a&lt;", u"a&CounterClockwiseContourIntegral;", u"a<!-->", u"a<!--b-->", u"a<![CDATA[b]]>",
+        u"a<!DOCTYPE \"b\" [c]>", u"a<?b?>", u"a</b>", u"a<b c='d' e=f/>", u"a<script b>c</script>",
+        u"a<style><!--b--></style>", u"a<meta charset='utf-8'>\u00C3\u00A9",
+        u"a<table><tbody><img><p>b</p></tr>"};
+    for (const std::u16string_view construct : constructs) {
+        for (std::size_t length = 0; length <= construct.size(); ++length) {
+            ParseAndUse(String(construct.substr(0, length)));
+            ParseAndUse(u"<p a=\""_s + String(construct.substr(0, length)));
+            ParseAndUse(u"<p "_s + String(construct.substr(0, length)) + u">"_s);
+        }
+    }
+}
+
+TEST(html_hostile, u0000_moves_the_cursor_like_any_unit)
+{
+    using namespace std::string_view_literals;
+    ExpectTrees({
+        {u"a\0b"sv, "<body>{\"a\\u0000b\"}"},
+        {u"<a\0b=c>d"sv, "<body>{<a \0b=\"c\">{\"d\"}}"sv},
+    });
+    for (const std::u16string_view text : {u"<\0>"sv, u"</\0>"sv, u"<a \0\0\0=\0>"sv, u"<a b=\"\0\">"sv,
+             u"<script>\0</script>\0"sv, u"<style>\0<!--\0-->"sv, u"<!--\0-->"sv, u"<?\0\0?>"sv,
+             u"<![CDATA[\0]]>"sv, u"<!\0>"sv, u"&\0;&#\0;&#x\0;"sv, u"\0"sv, u"<meta charset=\0>"sv})
+        ParseAndUse(String(text));
+}
+
+TEST(html_hostile, numeric_references_beyond_all_ranges)
+{
+    ExpectTrees({
+        {u"&#99999999999999999999;&#xFFFFFFFFFFFFFFFFF;b", R"(<body>{"    b"})"},
+        {u"&#-1;&#x-FFFFFFFFFFFFFFFFF;b", R"(<body>{"&#-1;&#x-FFFFFFFFFFFFFFFFF;b"})"},
+    });
+    THtmlNode root;
+    root.Parse(u"&#xD800;"_s);
+    EXPECT_EQ(root.GetNode(0)->Content(), u"\xD800");
+    EXPECT_EQ(root.OuterHTML().IsEmpty(), false);
+}
+
+std::u16string RandomLetters(std::mt19937& random, std::size_t count)
+{
+    std::u16string letters(count, u'a');
+    for (char16_t& c : letters)
+        c = static_cast<char16_t>(u'a' + random() % 26);
+    return letters;
+}
+
+TEST(html_hostile, many_different_attributes_in_random_order)
+{
+    std::mt19937 random(8);
+    const auto parse = [&random](std::size_t count) {
+        std::u16string text = u"<p";
+        for (std::size_t i = 0; i < count; ++i)
+            text.append(u" ").append(RandomLetters(random, 12)).append(u"=1");
+        THtmlNode root;
+        root.Parse(String(text + u">"));
+        const THtAttributes* attributes = root.GetNode(0)->Attributes();
+        ASSERT_EQ(attributes->Count(), static_cast<std::int32_t>(count));
+        for (std::int32_t i = 1; i < attributes->Count(); ++i)
+            ASSERT_LT(attributes->GetName(i - 1), attributes->GetName(i));
+    };
+    EXPECT_LT(Seconds([&] { parse(1'000'000 / kScale); }), 30);
+}
+
+/// Different names with one hash. The hash is a sum of weighted units: two pieces that collide at one place
+/// do so whatever stands around them, so each place is filled with one of two such pieces.
+std::vector<std::u16string> CollidingNames(std::size_t count)
+{
+    constexpr std::size_t kPlaces = 17;
+    constexpr std::size_t kPiece = 7;
+    std::mt19937 random(9);
+    std::u16string name(kPlaces * kPiece, u'a');
+    std::array<std::array<std::u16string, 2>, kPlaces> pieces;
+    for (std::size_t place = 0; place < kPlaces; ++place) {
+        std::unordered_map<std::uint32_t, std::u16string> seen;
+        for (bool found = false; !found;) {
+            const std::u16string piece = RandomLetters(random, kPiece);
+            name.replace(place * kPiece, kPiece, piece);
+            const auto [entry, isNew] = seen.emplace(RSHash(name), piece);
+            found = !isNew && entry->second != piece;
+            if (found)
+                pieces[place] = {entry->second, piece};
+        }
+    }
+    std::vector<std::u16string> names(count, name);
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t place = 0; place < kPlaces; ++place)
+            names[i].replace(place * kPiece, kPiece, pieces[place][i >> place & 1U]);
+    }
+    return names;
+}
+
+TEST(html_hostile, tag_names_that_share_one_hash_cost_what_others_cost)
+{
+    const std::vector<std::u16string> names = CollidingNames(100'000 / kScale);
+    std::mt19937 random(10);
+    std::u16string colliding;
+    std::u16string ordinary;
+    for (const std::u16string& name : names) {
+        ASSERT_EQ(RSHash(name), RSHash(names[0]));
+        colliding.append(u"<").append(name).append(u"/>");
+        ordinary.append(u"<").append(RandomLetters(random, name.size())).append(u"/>");
+    }
+    const auto parse = [&names](const String& text) {
+        THtmlNode root;
+        root.Parse(text);
+        EXPECT_EQ(root.Count(), static_cast<std::int32_t>(names.size()));
+    };
+    const String ordinaryText(ordinary);
+    const String collidingText(colliding);
+    parse(ordinaryText);
+    const double usual = Seconds([&] { parse(ordinaryText); });
+    const double hostile = Seconds([&] { parse(collidingText); });
+    EXPECT_LT(hostile, usual * 3 + 0.2) << "ordinary names: " << usual;
+    THtmlNode root;
+    root.Parse(collidingText);
+    for (std::size_t i = 0; i < names.size(); i += 97)
+        ASSERT_EQ(root.GetNode(static_cast<std::int32_t>(i))->Tag(), names[i]);
+}
+
+TEST(html_hostile, style_bodies_of_comment_marks)
+{
+    ExpectLinear(20'000, [](std::size_t count) {
+        THtmlNode root;
+        root.Parse(u"<style>"_s + Repeated(u"<!--", count) + u"x</style>"_s);
+        ASSERT_EQ(root.GetNode(0)->Content(), u"x");
+        root.Parse(u"<style>"_s + Repeated(u"<!--", count) + Repeated(u"-->", count) + u"</style>"_s);
+        ASSERT_EQ(root.GetNode(0)->Content(), u"");
+    });
+}
+
+TEST(html_hostile, stray_end_tags_deep_inside)
+{
+    constexpr std::size_t kCount = 1'000'000 / kScale;
+    const double seconds = Seconds([] {
+        THtmlNode root;
+        root.Parse(Repeated(u"<div>", 250) + Repeated(u"</x>", kCount) + u"y"_s);
+        EXPECT_EQ(CountNodes(root), 252);
+    });
+    EXPECT_LT(seconds, 20);
+}
+
+TEST(html_hostile, reopened_formatting_shares_its_attributes)
+{
+    THtmlNode root;
+    const String open = u"<b a=\""_s + Repeated(u"long", 1'000) + u"\">"_s;
+    root.Parse(u"<p>"_s + Repeated(open, 250) + Repeated(u"</p><p>x", 1'000 / kScale));
+    const THtNode* closed = root.FindNode(u"b");
+    const THtNode* reopened = root.GetNode(1);
+    ASSERT_EQ(reopened->Tag(), u"b");
+    EXPECT_EQ(reopened->GetAttribute(u"a").data(), closed->GetAttribute(u"a").data());
+    EXPECT_LE(CountNodes(root), 250 * 3 + 2 * 1'000);
+    ExpectLinked(root);
+}
+
+TEST(html_hostile, what_was_put_in_front_of_a_table_can_be_deleted)
+{
+    THtmlNode root;
+    root.Parse(u"a<table><tbody><img><br></table>b"_s);
+    ExpectLinked(root);
+    root.DeleteChild(root.FindNode(u"img"));
+    ExpectLinked(root);
+    EXPECT_EQ(Tree(root), R"(<body>{"a" <br> <table>{<tbody>} "b"})");
+}
+
+TEST(html_hostile, encodings_change_once_and_never_run_away)
+{
+    ExpectTrees({
+        {u"a<meta charset=windows-65001>\u00C0", "<body>{\"a\" <meta charset=\"windows-65001\"> \"\u00C0\"}"},
+        {u"a<meta charset=windows-1251>\u4E00\u00C0",
+            "<body>{\"a\" <meta charset=\"windows-1251\"> \"?\u0410\"}"},
+        {u"a<meta charset=utf-8>", "<body>{\"a\" <meta charset=\"utf-8\">}"},
+    });
+    ExpectLinear(5'000, [](std::size_t count) {
+        ParseAndUse(Repeated(u"<meta charset=koi8-r><meta charset=utf-8>\u00C3\u00A9", count));
+    });
+}
+
+TEST(html_hostile, lone_surrogates_at_the_end)
+{
+    for (const String& text : {u"\xD800"_s, u"a\xD83D"_s, u"<p a=\"\xD83D\">\xDC00"_s, u"<!--\xD83D-->"_s})
+        ParseAndUse(text);
+}
+
+TEST(html_hostile, random_pieces_give_linked_trees_through_every_entry)
+{
+    constexpr std::u16string_view kPieces[] = {u"<table>", u"</table>", u"<tbody>", u"</tbody>", u"<thead>",
+        u"<tfoot>", u"<tr>", u"</tr>", u"<td>", u"</td>", u"<th>", u"<p>", u"</p>", u"<b>", u"</b>",
+        u"<i a=1>", u"</i>", u"<a>", u"</a>", u"<div>", u"</div>", u"<span>", u"</span>", u"<ul>", u"</ul>",
+        u"<li>", u"<dl>", u"<dd>", u"<dt>", u"<img>", u"<br/>", u"<head>", u"<body>", u"</body>", u"<html>",
+        u"<h1>", u"</h1>", u"<font>", u"text", u" ", u"<!--c-->", u"<script>s</script>", u"<style>",
+        u"<caption>", u"<col>", u"<meta charset=utf-8>", u"</", u"<", u"<p b='", u"\u00C3\u00A9"};
+    std::mt19937 random(16);
+    for (std::size_t round = 0; round < 20'000 / kScale; ++round) {
+        std::u16string text;
+        for (std::size_t count = random() % 60; count > 0; --count)
+            text += kPieces[random() % std::size(kPieces)];
+        THtmlNode root;
+        root.Parse(String(text));
+        std::vector<THtmlNode*> nodes;
+        for (THtNode* node = &root; node; node = node->NextNode())
+            nodes.push_back(static_cast<THtmlNode*>(node));
+        THtmlNode* node = nodes[random() % nodes.size()];
+        switch (random() % 4) {
+        case 0:
+            node->SetInnerHTML(String(text));
+            break;
+        case 1:
+            node->AddHTML(String(text));
+            break;
+        case 2:
+            node->SetOuterHTML(String(text));
+            break;
+        default:
+            node->Parse(String(text));
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectLinked(root)) << String(text).ToUtf8();
+        ASSERT_LE(CountNodes(root), 4'000) << String(text).ToUtf8();
+    }
+}
+
+// --- Every beginning of the public tree-construction texts.
+
+std::vector<std::string> SuiteTexts(const std::filesystem::path& folder)
+{
+    std::vector<std::string> texts;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() != ".dat")
+            continue;
+        std::ifstream file(entry.path(), std::ios::binary);
+        bool inData = false;
+        for (std::string line; std::getline(file, line);) {
+            if (line == "#data") {
+                texts.emplace_back();
+                inData = true;
+            } else if (line == "#errors") {
+                inData = false;
+            } else if (inData) {
+                texts.back() += (texts.back().empty() ? "" : "\n") + line;
+            }
+        }
+    }
+    return texts;
+}
+
+TEST(html_hostile, every_beginning_of_the_public_texts_gives_a_tree)
+{
+    const std::filesystem::path folder =
+        std::filesystem::path(HEARTH_SUITES_DIR) / "html5lib-tests" / "tree-construction";
+    if (!std::filesystem::is_directory(folder))
+        GTEST_SKIP() << "the public tree-construction texts are not here";
+    constexpr std::int32_t kAllBeginnings = 300;
+    constexpr std::int32_t kStride = 7;
+    std::int32_t parsed = 0;
+    for (const std::string& bytes : SuiteTexts(folder)) {
+        const String text = String::FromUtf8(bytes);
+        const std::int32_t stride = text.Length() > kAllBeginnings ? kStride : 1;
+        for (std::int32_t length = 0; length <= text.Length(); length += stride) {
+            THtmlNode root;
+            root.Parse(text.Substring(0, length));
+            const String html = root.OuterHTML();
+            ASSERT_NO_FATAL_FAILURE(ExpectLinked(root)) << bytes;
+            ASSERT_LE(Depth(root), 300);
+            THtmlNode fragment(u"td"_s);
+            fragment.SetInnerHTML(html);
+            fragment.InnerText();
+            ++parsed;
+        }
+    }
+    EXPECT_GT(parsed, 20'000);
+}
+
+}
