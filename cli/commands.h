@@ -1,0 +1,30 @@
+// The commands: each registers itself with the parser through one function of its own file.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace hearth_cli {
+
+void AddHtml(CLI::App& hearth);
+void AddEncode(CLI::App& hearth);
+void AddEncoding(CLI::App& hearth);
+void AddCompletions(CLI::App& hearth);
+void AddMan(CLI::App& hearth);
+
+/// A new command is one file and one name here. The help lists the commands in this order.
+inline constexpr void (*kCommands[])(CLI::App& hearth) = {
+    AddHtml,
+    AddEncode,
+    AddEncoding,
+    AddCompletions,
+    AddMan,
+};
+
+/// Makes the command that an Add function fills. `example` is a shell line and, on the lines behind it, what
+/// it prints.
+CLI::App& AddCommand(CLI::App& parent, const char* name, const char* description, const char* example);
+
+}

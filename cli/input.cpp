@@ -1,0 +1,220 @@
+// Reading files and pipes, and decoding what was read.
+// SPDX-License-Identifier: MIT
+#include "input.h"
+
+#include "errors.h"
+
+#include <hearth/markup/html_parser.h>
+#include <hearth/runtime/encoding.h>
+#include <hearth/runtime/exceptions.h>
+
+#include <CLI/CLI.hpp>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <limits>
+
+namespace hearth_cli {
+
+namespace {
+
+/// No text of the library is longer.
+constexpr std::size_t kMaxBytes = std::numeric_limits<std::int32_t>::max();
+constexpr std::size_t kPieceBytes = std::size_t{1} << 16U;
+
+constexpr std::uint32_t kUtf16LittleEndianPage = 1200;
+constexpr std::uint32_t kUtf16BigEndianPage = 1201;
+
+/// An open file, closed at the end of the scope; standard input stays open.
+class InputFile {
+public:
+    explicit InputFile(const std::string& place)
+        : FName(place == "-" ? "standard input" : place)
+        , FHandle(place == "-" ? STDIN_FILENO : ::open(place.c_str(), O_RDONLY | O_CLOEXEC))
+    {
+        if (FHandle < 0)
+            throw FileError(FName, errno);
+    }
+    ~InputFile()
+    {
+        if (FHandle != STDIN_FILENO)
+            ::close(FHandle);
+    }
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    std::string Read(std::size_t limit) const
+    {
+        std::string bytes;
+        bytes.reserve(std::min(limit, ExpectedSize()));
+        while (bytes.size() < limit) {
+            const std::size_t size = bytes.size();
+            bytes.resize(size + std::min(limit - size, kPieceBytes));
+            const std::size_t count = ReadPiece(bytes.data() + size, bytes.size() - size);
+            bytes.resize(size + count);
+            if (count == 0)
+                break;
+        }
+        return bytes;
+    }
+
+    [[noreturn]] void Fail(int error) const { throw FileError(FName, error); }
+
+private:
+    std::size_t ExpectedSize() const
+    {
+        struct stat status { };
+        const bool known = ::fstat(FHandle, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
+        return known ? static_cast<std::size_t>(status.st_size) + kPieceBytes : 0;
+    }
+
+    std::size_t ReadPiece(char* to, std::size_t size) const
+    {
+        for (;;) {
+            const ssize_t count = ::read(FHandle, to, size);
+            if (count >= 0)
+                return static_cast<std::size_t>(count);
+            if (errno != EINTR)
+                Fail(errno);
+        }
+    }
+
+    std::string FName;
+    int FHandle;
+};
+
+bool IsAddress(const std::string& place)
+{
+    const ht::String start = ht::String::FromLatin1(std::string_view(place).substr(0, 8)).ToLowerAscii();
+    return start.View().starts_with(u"http://") || start.View().starts_with(u"https://");
+}
+
+std::uint32_t PageOfName(const std::string& name)
+{
+    const std::uint32_t page = ht::CodePageOfCharset(ht::String::FromUtf8(name));
+    return ht::IsKnownCodePage(page) ? page : 0;
+}
+
+std::uint32_t PageOfMark(ht::THtByteOrderMark mark)
+{
+    switch (mark) {
+    case ht::bomUtf8:
+        return ht::kUtf8CodePage;
+    case ht::bomUtf16LittleEndian:
+        return kUtf16LittleEndianPage;
+    case ht::bomUtf16BigEndian:
+        return kUtf16BigEndianPage;
+    default:
+        return 0;
+    }
+}
+
+/// A mark of the named encoding is no part of the text; "utf-16" leaves the order of the bytes to the mark.
+ht::String DecodeNamed(std::string_view bytes, const std::string& name)
+{
+    std::uint32_t page = PageOfName(name);
+    const ht::THtByteOrderMarkMatch match = ht::DetectByteOrderMark(bytes);
+    if (match.Mark == ht::bomUtf16BigEndian && ht::SameText(ht::String::FromUtf8(name), u"utf-16"))
+        page = kUtf16BigEndianPage;
+    if (PageOfMark(match.Mark) == page)
+        bytes.remove_prefix(match.Size);
+    return ht::DecodeBytes(bytes, page);
+}
+
+/// Decodes what starts with a byte order mark, without the mark; nothing when there is none.
+std::optional<ht::String> DecodeMarked(std::string_view bytes)
+{
+    const ht::THtByteOrderMarkMatch match = ht::DetectByteOrderMark(bytes);
+    if (match.Mark == ht::bomNone)
+        return std::nullopt;
+    return ht::DecodeBytes(bytes.substr(match.Size), PageOfMark(match.Mark));
+}
+
+/// UTF-16 that was recognised without a mark by the zero bytes of its ASCII part: they stand first where the
+/// order is big endian.
+std::uint32_t PageOfZeros(std::string_view bytes)
+{
+    std::array<std::size_t, 2> zeros{};
+    for (std::size_t i = 0; i < std::min(bytes.size(), kDetectionBytes); ++i)
+        zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
+    return zeros[0] > zeros[1] ? kUtf16BigEndianPage : kUtf16LittleEndianPage;
+}
+
+Page DecodePage(std::string_view bytes)
+{
+    if (const std::optional<ht::String> text = DecodeMarked(bytes))
+        return {*text, true};
+    std::uint32_t page = 0;
+    ht::THtmlEncoding encoding = ht::heDefault;
+    try {
+        encoding = ht::THtmlParser::GetBytesEncoding(bytes, page);
+    } catch (const ht::ERangeError&) {
+        page = 0; // the declaration is cut off at the last byte looked at: the parser will meet all of it
+    }
+    if (encoding == ht::heUTF8)
+        return {ht::String::FromUtf8(bytes), true};
+    if (encoding == ht::heUTF16)
+        return {ht::DecodeBytes(bytes, PageOfZeros(bytes)), true};
+    if (ht::IsKnownCodePage(page))
+        return {ht::DecodeBytes(bytes, page), true};
+    return {ht::String::FromLatin1(bytes), false};
+}
+
+}
+
+void Input::AddTo(CLI::App& command, const char* name)
+{
+    command.add_option(name, FPlace, "The file to read; - or nothing for standard input")->type_name("");
+}
+
+void Input::AddEncodingTo(CLI::App& command)
+{
+    command
+        .add_option("--encoding", FEncoding,
+            "Encoding of the input, such as utf-8 or koi8-r; nothing is guessed then")
+        ->type_name("NAME")
+        ->check([](const std::string& name) {
+            return PageOfName(name) != 0 ? std::string() : "there is no encoding " + name;
+        });
+}
+
+std::string Input::ReadStart(std::size_t limit) const
+{
+    if (!FPlace && ::isatty(STDIN_FILENO))
+        throw HelpWanted();
+    const std::string place = FPlace.value_or("-");
+    if (IsAddress(place))
+        throw UsageError("addresses need the HTTP client");
+    const InputFile file(place);
+    std::string bytes = file.Read(limit);
+    if (bytes.size() > kMaxBytes)
+        file.Fail(EFBIG);
+    return bytes;
+}
+
+std::string Input::ReadBytes() const
+{
+    return ReadStart(kMaxBytes + 1);
+}
+
+ht::String Input::ReadText() const
+{
+    const std::string bytes = ReadBytes();
+    if (!FEncoding.empty())
+        return DecodeNamed(bytes, FEncoding);
+    return DecodeMarked(bytes).value_or(ht::String::FromUtf8(bytes));
+}
+
+Page Input::ReadPage() const
+{
+    const std::string bytes = ReadBytes();
+    return FEncoding.empty() ? DecodePage(bytes) : Page{DecodeNamed(bytes, FEncoding), true};
+}
+
+}

@@ -1,0 +1,52 @@
+// Where a command reads from, and how bytes become its text.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/runtime/text.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace hearth_cli {
+
+/// The detection of encodings looks at no more.
+constexpr std::size_t kDetectionBytes = 4096;
+
+/// The text of an HTML page.
+struct Page {
+    ht::String Text;
+    /// False when nothing was known about the encoding: the text then holds one unit a byte, and the parser
+    /// looks for the charset itself.
+    bool Decoded = false;
+};
+
+/// The input of one command: a file, or standard input for "-" and for a pipe when nothing is named. Reading
+/// throws FileError, UsageError for an address, and HelpWanted when nothing is named and standard input is a
+/// terminal.
+class Input {
+public:
+    /// Adds the argument that names the input. Lifetime: this object outlives the parsing.
+    void AddTo(CLI::App& command, const char* name = "INPUT");
+    /// Adds --encoding.
+    void AddEncodingTo(CLI::App& command);
+
+    std::string ReadBytes() const;
+    /// At most `limit` bytes from the start.
+    std::string ReadStart(std::size_t limit) const;
+    /// The text in the encoding that was named, by its byte order mark, or as UTF-8.
+    ht::String ReadText() const;
+    /// The text in the encoding that was named, by its byte order mark, or by what the parser finds in the
+    /// first bytes.
+    Page ReadPage() const;
+
+private:
+    std::optional<std::string> FPlace;
+    std::string FEncoding;
+};
+
+}

@@ -1,0 +1,233 @@
+# Runs the built command on rows of arguments and input, and the examples of its help and of the guide.
+# Called with the path of the command and the folder of the project.
+# SPDX-License-Identifier: MIT
+import os
+import pty
+import re
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+HEARTH = Path(sys.argv[1]).resolve()
+PROJECT = Path(sys.argv[2]).resolve()
+
+RUSSIAN = "Привет"
+PAGE = f"<p>{RUSSIAN}"
+TREE = f'<body>\n  <p>\n    "{RUSSIAN}"\n'
+META = '<meta charset="{}">'
+TEXT = ("html", "--as", "content")
+FRAGMENT = ("html", "--fragment")
+
+
+def page_with_cut_declaration():
+    """A page whose charset declaration begins in front of byte 4,096 and ends behind it."""
+    return b'<i title="' + b"-" * 4068 + b'">' + META.format("windows-1251").encode() + PAGE.encode("cp1251")
+
+
+# What the row shows, arguments, standard input, expected output. All end with status 0 and no message.
+PRINTED = [
+    ("the forms", ("html",), b"<ul><li>one<li>two", "<body><ul><li>one</li><li>two</li></ul></body>\n"),
+    ("the forms", ("html", "--as", "inner"), b"<b>a<p>b", "<b>a<p>b</p></b>\n"),
+    ("the forms", ("html", "--as=formatted", "--indent", "4"), b"<div><p>a<p>b</div>",
+     "\r\n    <div>\r\n        <p>a</p>\r\n        <p>b</p>\r\n    </div>\n"),
+    ("the forms", ("html", "--as", "text"), b"<p>a &amp; b<p>c", "a & b\r\nc\n"),
+    ("the forms", ("html", "--as", "fast-text"), b"<b>a</b>&lt;<script>x</script>c", "a<c\n"),
+    ("the forms", TEXT, b"<b>a</b> <i>b</i>", "a b\n"),
+    ("a fragment has no document around it", (*FRAGMENT, "--as", "tree"), b"<td>a</td>b",
+     '<body>\n  <td>\n    "a"\n  "b"\n'),
+    ("no second line end", TEXT, b"<pre>a\n</pre>\n", "a\n\n"),
+    ("a tree quotes what JSON quotes", (*FRAGMENT, "--as", "tree"), b'<a t=\'"\\\n\t\x01\'><!--c--><?d?>',
+     '<body>\n  <a t="\\"\\\\\\n\\t\\u0001">\n    #comment "c"\n    #directive "d"\n'),
+    ("- is standard input, -- ends the options", ("html", "--as", "content", "--", "-"), b"a", "a\n"),
+    ("a name behind -- may begin with -", (*TEXT, "--", "-x.html"), b"", "dash\n"),
+    ("a command's name may be a file's", (*TEXT, "man"), b"", "manual\n"),
+    ("a file wins over a pipe", (*TEXT, "man"), b"pipe", "manual\n"),
+    ("without its last line end", ("encode",), b'a<"\r\n', 'a&lt;"\n'),
+    ("only the last line end goes", ("encode", "--attr"), b'"\n\n', "&quot;\n"),
+    ("the mark is no text", ("encode",), "\ufeffé<".encode("utf-16-be"), "é&lt;\n"),
+    ("a lone surrogate", ("html", *TEXT[1:], "--encoding", "utf-16le"), b"a\x00\x00\xd8b\x00", "a\ufffdb\n"),
+    ("marks", TEXT, PAGE.encode("utf-8-sig"), RUSSIAN + "\n"),
+    ("marks", TEXT, b"\xff\xfe" + PAGE.encode("utf-16-le"), RUSSIAN + "\n"),
+    ("marks", TEXT, b"\xfe\xff" + PAGE.encode("utf-16-be"), RUSSIAN + "\n"),
+    ("a mark wins over a declaration", TEXT, (META.format("koi8-r") + PAGE).encode("utf-8-sig"), RUSSIAN + "\n"),
+    ("UTF-16 without a mark", ("html", "--as", "tree"), ("<b></b>" + PAGE).encode("utf-16-le"),
+     TREE.replace("<p>", "<b>\n  <p>")),
+    ("UTF-16 without a mark", ("html", "--as", "tree"), ("<b></b>" + PAGE).encode("utf-16-be"),
+     TREE.replace("<p>", "<b>\n  <p>")),
+    ("UTF-8 without a word", TEXT, PAGE.encode(), RUSSIAN + "\n"),
+    ("a declared page", TEXT, (META.format("windows-1251") + PAGE).encode("cp1251"), RUSSIAN + "\n"),
+    ("a declaration cut off", TEXT, page_with_cut_declaration(), RUSSIAN + "\n"),
+    ("an unknown page is read as bytes", TEXT, (META.format("klingon") + "é").encode("latin-1"), "é\n"),
+    ("a named encoding wins", (*TEXT, "--encoding", "KOI8-R"), (META.format("utf-8") + PAGE).encode("koi8-r"),
+     RUSSIAN + "\n"),
+    ("a named encoding takes its mark", (*TEXT, "--encoding", "utf-16"), b"\xfe\xff" + PAGE.encode("utf-16-be"),
+     RUSSIAN + "\n"),
+    ("little input", ("html",), b"", "<body></body>\n"),
+    ("little input", TEXT, b"\xff", "\u00ff\n"),
+    ("little input", TEXT, b"\xff\xfea", "\n"),
+    ("detection", ("encoding",), b"", "default\n"),
+    ("detection", ("encoding",), PAGE.encode(), "utf-8\n"),
+    ("detection", ("encoding",), b"\xff\xfe", "utf-16\n"),
+    ("detection", ("encoding", "page-1251.html"), b"", "default 1251\n"),
+]
+
+# Arguments, standard input, status, message (a part of it).
+REFUSED = [
+    (("html", "missing.html"), b"", 3, "hearth: missing.html: No such file or directory"),
+    (("html", "folder"), b"", 3, "hearth: folder: Is a directory"),
+    (("html", ""), b"", 3, "No such file"),
+    (("html", "-o", "folder"), b"", 3, "hearth: folder: Is a directory"),
+    (("html", "-o", "missing/page.html"), b"", 3, "hearth: missing/page.html: No such file or directory"),
+    (("html", "-o", "/dev/full"), b"", 3, "hearth: /dev/full: No space left on device"),
+    (("encoding",), page_with_cut_declaration(), 1, "hearth: ERangeError: Range check error"),
+    (("html", "https://example.org/"), b"", 2, "hearth: addresses need the HTTP client"),
+    (("html", "--encoding", "klingon"), b"", 2, "there is no encoding klingon"),
+    (("html", "--as", "xml"), b"", 2, "xml not in {outer,inner,"),
+    (("html", "--indent", "-1"), b"", 2, "--indent"),
+    (("html", "--indent", "99999999999"), b"", 2, "--indent"),
+    (("html", "one", "two"), b"", 2, "two\nTry: hearth html --help"),
+    (("completions",), b"", 2, "SHELL"),
+    (("completions", "csh"), b"", 2, "csh not in {bash,zsh,fish}"),
+    (("burn",), b"", 2, "there is no command or option burn"),
+    (("--burn",), b"", 2, "there is no command or option --burn"),
+    ((), b"", 2, "Usage: hearth"),
+]
+
+
+def run(arguments, given=b"", **options):
+    return subprocess.run([HEARTH, *arguments], input=given, capture_output=True, check=False, timeout=60, **options)
+
+
+def shell(line, **options):
+    path = f"{HEARTH.parent}:{os.environ['PATH']}"
+    return subprocess.run(["bash", "-c", line], capture_output=True, text=True, check=False, timeout=60,
+                          stdin=subprocess.DEVNULL, env={**os.environ, "PATH": path}, **options)
+
+
+def examples(text):
+    """Shell lines, marked by "$ ", each with the lines printed under it, from indented or fenced text."""
+    for block in re.findall(r"^(?:```\w*\n(.*?)^```|((?:(?:  .*)?\n)+))", text, re.MULTILINE | re.DOTALL):
+        lines = "\n".join(line.removeprefix("  ") if block[1] else line for line in "".join(block).splitlines())
+        for command, printed in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", lines.strip("\n") + "\n", re.MULTILINE):
+            yield command, printed
+
+
+class InFolder(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        (self.folder / "folder").mkdir()
+        (self.folder / "-x.html").write_text("dash", encoding="utf-8")
+        (self.folder / "man").write_text("manual", encoding="utf-8")
+        (self.folder / "page-1251.html").write_bytes((META.format("windows-1251") + PAGE).encode("cp1251"))
+
+
+class Rows(InFolder):
+    def test_what_is_printed(self):
+        for name, arguments, given, expected in PRINTED:
+            with self.subTest(name, arguments=arguments, given=given[:80]):
+                done = run(arguments, given, cwd=self.folder)
+                self.assertEqual((done.stdout.decode(), done.stderr.decode(), done.returncode), (expected, "", 0))
+
+    def test_what_is_refused(self):
+        for arguments, given, status, message in REFUSED:
+            with self.subTest(arguments=arguments):
+                done = run(arguments, given, cwd=self.folder)
+                self.assertEqual((done.stdout, done.returncode), (b"", status), done.stderr)
+                self.assertIn(message, done.stderr.decode())
+
+
+class Files(InFolder):
+    def names(self):
+        return sorted(path.name for path in self.folder.iterdir())
+
+    def test_a_replaced_file_keeps_its_mode_and_a_link_stays(self):
+        page = self.folder / "page.html"
+        page.write_text("<p>old", encoding="utf-8")
+        page.chmod(0o640)
+        link = self.folder / "link.html"
+        link.symlink_to("page.html")
+        before = self.names()
+        self.assertEqual(run(("html", page, "-o", link)).returncode, 0)
+        self.assertEqual(page.read_text(encoding="utf-8"), "<body><p>old</p></body>\n")
+        self.assertTrue(link.is_symlink())
+        self.assertEqual(stat.S_IMODE(page.stat().st_mode), 0o640)
+        self.assertEqual(self.names(), before)
+
+    def test_a_failure_leaves_the_old_file(self):
+        page = self.folder / "page.html"
+        page.write_text("old", encoding="utf-8")
+        before = self.names()
+        limit = f"ulimit -f 1; head -c 9999 /dev/zero | tr '\\0' x | hearth html -o '{page}'"
+        for line in (f"hearth html missing -o '{page}'", limit):
+            with self.subTest(line):
+                done = shell(line, cwd=self.folder)
+                self.assertEqual((done.returncode, page.read_text(encoding="utf-8")), (3, "old"), done.stderr)
+                self.assertEqual(self.names(), before)
+
+    def test_a_device_is_written_not_replaced(self):
+        self.assertEqual(shell("hearth html -o /dev/stdout | cat").stdout, "<body></body>\n")
+
+
+class Surroundings(InFolder):
+    def test_a_closed_pipe_ends_quietly(self):
+        done = shell("set -o pipefail; head -c 999999 /dev/zero | tr '\\0' x | hearth html | head -c 1")
+        self.assertEqual((done.stdout, done.stderr, done.returncode), ("<", "", 0))
+
+    def test_closed_handles_are_errors_of_files(self):
+        for line in ("hearth html <&-", "hearth html >&-", "hearth --help >&-", "hearth html > /dev/full"):
+            with self.subTest(line):
+                self.assertEqual(shell(line).returncode, 3)
+
+    def test_a_terminal_without_input_gets_help(self):
+        master, terminal = pty.openpty()
+        done = subprocess.run([HEARTH, "html"], stdin=terminal, capture_output=True, text=True, check=False, timeout=60)
+        os.close(master)
+        os.close(terminal)
+        self.assertEqual((done.stdout, done.returncode), ("", 2))
+        self.assertIn("Usage: hearth html", done.stderr)
+
+    def test_bash_completes(self):
+        script = self.folder / "hearth.bash"
+        self.assertEqual(run(("completions", "bash", "-o", script)).returncode, 0)
+        for words, expected in (("h", "html"), ("html --as fo", "formatted"), ("html --fr", "--fragment"),
+                                ("completions z", "zsh"), ("html man", "")):
+            with self.subTest(words):
+                typed = ["hearth", *words.split()]
+                done = shell(f"source {script}; COMP_WORDS=({' '.join(typed)}); COMP_CWORD={len(typed) - 1}; "
+                             '_hearth; echo "${COMPREPLY[@]}"')
+                self.assertEqual((done.stdout, done.stderr), (expected + "\n", ""))
+
+    def test_every_command_is_in_the_manual_and_in_all_completions(self):
+        commands = re.findall(r"^  (\w+) ", run(("--help",)).stdout.decode().partition("Commands:")[2], re.MULTILINE)
+        self.assertIn("html", commands)
+        for made in (("man",), ("completions", "bash"), ("completions", "zsh"), ("completions", "fish")):
+            text = run(made).stdout.decode()
+            for command in commands:
+                self.assertRegex(text, rf"\b{command}\b", made)
+
+    def test_version_is_that_of_the_library(self):
+        version = re.search(r'HEARTH_VERSION "(.*)"', (PROJECT / "src/hearth/version.h").read_text(encoding="utf-8"))
+        self.assertEqual(run(("--version",)).stdout.decode(), f"hearth {version[1]}\n")
+
+
+class Examples(unittest.TestCase):
+    def test_examples_print_what_they_say(self):
+        texts = {"docs/cli.md": (PROJECT / "docs/cli.md").read_text(encoding="utf-8")}
+        commands = re.findall(r"^  (\w+) ", run(("--help",)).stdout.decode().partition("Commands:")[2], re.MULTILINE)
+        for command in commands:
+            texts[f"hearth {command} --help"] = run((command, "--help")).stdout.decode().partition("Example:\n")[2]
+        for place, text in texts.items():
+            found = list(examples(text))
+            self.assertTrue(found, f"{place} shows no example")
+            for line, printed in found:
+                with self.subTest(place, line=line):
+                    self.assertEqual(shell(line, cwd=PROJECT).stdout, printed)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
