@@ -44,7 +44,8 @@ String TextBetween(const char16_t* from, const char16_t* to)
 void TStringParser::Init(const String& A)
 {
     s = A;
-    p = Start();
+    FStart = s.IsEmpty() ? &fNull : s.data();
+    p = FStart;
     pend = p + s.Length();
 }
 

@@ -123,9 +123,11 @@ public:
     bool RaiseException = false;
 
 protected:
-    const char16_t* Start() const noexcept { return s.IsEmpty() ? &fNull : s.data(); }
+    const char16_t* Start() const noexcept { return FStart; }
 
 private:
+    const char16_t* FStart = nullptr;
+
     bool StartNumber();
     bool ReadSign();
     void CheckDigit() const;

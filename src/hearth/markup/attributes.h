@@ -60,7 +60,7 @@ public:
     /// Inserts without looking for an entry of that name.
     void Add(const String& AttrName, const String& AttrValue);
     /// Inserts a name in the form in which it is stored, unless an entry of that name is here.
-    void AddNew(const String& AttrName, const String& AttrValue);
+    void AddNew(const String& AttrName, String AttrValue);
     /// Replaces the value of a name, or inserts.
     void SetAttribute(const String& Name, const String& Value) { SetAttributeEx(Name, Value); }
     /// The same; true if something changed.
@@ -86,13 +86,19 @@ private:
     const THtAttribute* Sorted() const;
     THtAttribute* Lookup(std::u16string_view name) const;
     int Compare(std::u16string_view a, std::u16string_view b) const;
+    bool GoesToEnd(std::u16string_view name) const;
     bool FindSorted(std::u16string_view name, std::int32_t& index) const;
     String StoredName(const String& name) const;
     // By value: what comes in may stand in an entry that moves.
     void InsertSorted(std::int32_t index, String name, String value);
     void InsertAt(std::int32_t index, String name, String value);
     void Append(String name, String value);
-    void EnsureCapacity();
+    void EnsureCapacity()
+    {
+        if (FCount == FCapacity)
+            Grow();
+    }
+    void Grow();
     void ReleaseList() noexcept;
     void SortTail() const;
     std::int32_t Checked(std::int32_t index) const;

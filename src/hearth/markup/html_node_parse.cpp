@@ -150,7 +150,8 @@ THtmlNode* THtmlNode::InternalParse(THtmlParser& HP)
     while (HP.NextItem()) {
         const TParseStep step = HP.IsCloseTag ? CloseItem(HP, result)
             : !HP.IncorrectStack.IsEmpty()    ? Reopen(HP, result)
-                                              : OpenItem(HP, result);
+            : HP.TagType == htIdent           ? OpenElement(HP, result)
+                                              : AddTextItem(HP);
         if (step == psReturn)
             return result;
     }
@@ -168,33 +169,33 @@ bool THtmlNode::TakeOverItem(THtmlParser& HP)
     return !HP.TagClosed;
 }
 
-THtmlNode::TParseStep THtmlNode::OpenItem(THtmlParser& HP, THtmlNode*& result)
+/// An item that is no element with children: a text, or what has a text for its body.
+THtmlNode::TParseStep THtmlNode::AddTextItem(THtmlParser& HP)
 {
     switch (HP.TagType) {
-    case htScript:
-    case htStyle:
-        AddContentNode(HP, HP.Tag, HP.Tag);
-        return psNextItem;
-    case htComment:
-        AddContentNode(HP, CommentTag(), CommentTag());
-        return psNextItem;
-    case htDirective:
-        AddContentNode(HP, DirectiveTag(), DirectiveTag());
-        return psNextItem;
-    case htCData:
-        AddContentNode(HP, CommentTag(), THtTagName());
-        return psNextItem;
     case htString:
         if (THtmlNode* text = NewChild(HP, THtTagName())) {
             text->TagType = htString;
             text->SetContent(HP.Value);
         }
-        return psNextItem;
-    case htIdent:
-        return OpenElement(HP, result);
+        break;
+    case htScript:
+    case htStyle:
+        AddContentNode(HP, HP.Tag, HP.Tag);
+        break;
+    case htComment:
+        AddContentNode(HP, CommentTag(), CommentTag());
+        break;
+    case htDirective:
+        AddContentNode(HP, DirectiveTag(), DirectiveTag());
+        break;
+    case htCData:
+        AddContentNode(HP, CommentTag(), THtTagName());
+        break;
     default:
-        return psNextItem;
+        break;
     }
+    return psNextItem;
 }
 
 /// A child whose body is one text: script, style, comment, directive, CDATA.

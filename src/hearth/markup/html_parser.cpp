@@ -71,18 +71,32 @@ bool THtmlParser::ReadItem()
 {
     if (FAttributes.Count() > 0)
         FAttributes.Clear();
+    FAttributes.CaseSensitive = FCaseSensitive;
     TagClosed = false;
     IsCloseTag = false;
-    if (FTokenizer.ReadTagHead(IsCloseTag)) {
+    if (const auto head = FTokenizer.ReadTagHead(IsCloseTag); head != THTMLTokenizer::thNone) {
         SetTag();
-        return ReadAttributes();
+        if (head == THTMLTokenizer::thOpen)
+            return ReadAttributes();
+        StartPos = FTokenizer.Token().StartPos;
+        return true;
     }
+    return ReadOtherItem();
+}
+
+/// An item that does not begin with a plain tag name.
+bool THtmlParser::ReadOtherItem()
+{
     if (!Tag.IsEmpty())
         Tag = THtTagName();
+    if (FTokenizer.ReadPlainText(Value))
+        return SetTextItem();
     bool more = FTokenizer.NextToken(true);
     while (more) {
-        if (IsTextItem(FTokenizer.Type()))
+        if (IsTextItem(FTokenizer.Type())) {
+            Value = FTokenizer.Token().Name;
             return SetTextItem();
+        }
         if (FTokenizer.Type() != htTagStart) {
             more = FTokenizer.NextToken(true);
             continue;
@@ -100,7 +114,6 @@ bool THtmlParser::ReadItem()
 bool THtmlParser::SetTextItem()
 {
     TagType = FTokenizer.Type();
-    Value = FTokenizer.Token().Name;
     TagClosed = true;
     StartPos = FTokenizer.Token().StartPos;
     return true;

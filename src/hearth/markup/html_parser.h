@@ -106,6 +106,7 @@ private:
 
     bool Repeat();
     bool ReadItem();
+    bool ReadOtherItem();
     bool ReadTagName();
     bool SetTextItem();
     void SetTag();

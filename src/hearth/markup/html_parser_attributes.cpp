@@ -23,11 +23,12 @@ bool THtmlParser::NextInTag()
 {
     const THtNameRec* name = nullptr;
     String value;
-    if (FTokenizer.ReadPlainTagEnd())
-        return true;
-    while (!IsCloseTag && FTokenizer.ReadPlainAttribute(name, value))
-        StoreAttribute(name->Value, value, daFirstStays);
-    return FTokenizer.ReadPlainTagEnd() || FTokenizer.NextToken(false);
+    while (!FTokenizer.ReadPlainTagEnd()) {
+        if (IsCloseTag || !FTokenizer.ReadPlainAttribute(name, value))
+            return FTokenizer.NextToken(false);
+        FAttributes.AddNew(name->Value, std::move(value));
+    }
+    return true;
 }
 
 /// Reads to the end of the tag. False at the end of the text: a tag that is cut off is no item.
@@ -168,7 +169,6 @@ bool THtmlParser::ReadUnquotedValue(String& value)
 
 void THtmlParser::StoreAttribute(const String& name, const String& value, TDuplicateAttribute duplicate)
 {
-    FAttributes.CaseSensitive = FCaseSensitive;
     if (duplicate == daReplaces)
         FAttributes.SetAttribute(name, value);
     else

@@ -42,9 +42,15 @@ public:
     void SetXMLMode(bool value) noexcept { FXMLMode = value; }
     /// The interning tables, not owned; both must outlive the tokenizer's use.
     void SetNameTables(THtNameTable* tagNames, THtNameTable* attributeNames) noexcept;
-    /// Reads "<" or "</" with a plain name behind it in one step, as three calls of NextToken would. False,
-    /// with nothing read, where something else stands.
-    bool ReadTagHead(bool& isCloseTag);
+    /// What ReadTagHead met.
+    enum TTagHead : std::uint8_t { thNone, thOpen, thComplete };
+    /// Reads "<" or "</" with a plain name behind it in one step, as three calls of NextToken would (thOpen),
+    /// and the ">" with it where it follows at once and nothing hangs on it (thComplete). Reads nothing where
+    /// something else stands.
+    TTagHead ReadTagHead(bool& isCloseTag);
+    /// Reads the text behind a tag, as NextToken would. False, with nothing read, where something else
+    /// stands.
+    bool ReadPlainText(String& text);
     /// Reads the ">" of a tag without a body, as NextToken would.
     bool ReadPlainTagEnd() noexcept
     {
@@ -75,11 +81,12 @@ private:
     void ReadLess();
     void ReadMarked();
 
-    bool ReadShortTagHead(const char16_t* name, bool closes);
+    TTagHead ReadShortTagHead(const char16_t* name, bool closes);
     void ReadTag();
     void ReadIdent();
     void SetName(std::uint32_t hash, std::u16string_view name, THtNameTable* table, TNameAction action);
     static TRawBody RawBodyOf(std::u16string_view tag);
+    static TRawBody RawBodyOf(TTagId tag);
 
     void ReadComment();
     void ReadCData();

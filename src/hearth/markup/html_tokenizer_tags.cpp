@@ -39,6 +39,11 @@ THTMLTokenizer::TRawBody THTMLTokenizer::RawBodyOf(std::u16string_view tag)
     return tag.size() == 5 && SameText(tag, u"style") ? rbStyle : rbNone;
 }
 
+THTMLTokenizer::TRawBody THTMLTokenizer::RawBodyOf(TTagId tag)
+{
+    return tag == tags::kScript ? rbScript : tag == tags::kStyle ? rbStyle : rbNone;
+}
+
 void THTMLTokenizer::ReadTag()
 {
     const char16_t* from = FParser.p;
@@ -93,19 +98,19 @@ void THTMLTokenizer::SetName(
         FToken.Name = String(name);
 }
 
-bool THTMLTokenizer::ReadTagHead(bool& isCloseTag)
+THTMLTokenizer::TTagHead THTMLTokenizer::ReadTagHead(bool& isCloseTag)
 {
     const char16_t* const p = FParser.p;
     if (FParser.Empty() || *p != u'<')
-        return false;
+        return thNone;
     const bool closes = p[1] == u'/';
     const char16_t first = p[closes ? 2 : 1];
     if (!IsAsciiLower(first) && !IsAsciiUpper(first))
-        return false;
+        return thNone;
     isCloseTag = closes;
     FInTag = true;
-    if (ReadShortTagHead(p + (closes ? 2 : 1), closes))
-        return true;
+    if (const TTagHead head = ReadShortTagHead(p + (closes ? 2 : 1), closes); head != thNone)
+        return head;
     FParser.p += closes ? 2 : 1;
     FToken.StartPos = FParser.Offset();
     if (closes) {
@@ -115,30 +120,33 @@ bool THTMLTokenizer::ReadTagHead(bool& isCloseTag)
     } else {
         ReadTag();
     }
-    return true;
+    return thOpen;
 }
 
 /// A known short name that a ">" or a blank ends: most tags are written so. The token's text is left alone,
 /// the record says all.
-bool THTMLTokenizer::ReadShortTagHead(const char16_t* name, bool closes)
+THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t* name, bool closes)
 {
     if (FParser.pend - name < kShortNameUnits || !FTagNames)
-        return false;
+        return thNone;
     const TShortName read = ReadShortName(name);
     const char16_t* const end = name + read.Length;
     if (*end != u'>' && ClassInTag(*end) != ccSpace)
-        return false;
+        return thNone;
     const THtNameRec* record = FTagNames->FindShort(read.Key);
     if (!record)
-        return false;
+        return thNone;
     FNameRecord = record;
-    FRawBody = closes                 ? rbNone
-        : record->Id == tags::kScript ? rbScript
-        : record->Id == tags::kStyle  ? rbStyle
-                                      : rbNone;
-    FToken.CType = htIdent;
     FParser.p = end;
-    return true;
+    if (!record->ActsAtEnd) {
+        FRawBody = rbNone;
+        if (ReadPlainTagEnd())
+            return thComplete;
+    } else {
+        FRawBody = closes ? rbNone : RawBodyOf(record->Id);
+    }
+    FToken.CType = htIdent;
+    return thOpen;
 }
 
 bool THTMLTokenizer::ReadPlainAttribute(const THtNameRec*& name, String& value)

@@ -93,6 +93,7 @@ THtNameRec::THtNameRec(const String& value, std::uint32_t hash, TTagId id)
     , LowerHash(RSHashLower(value))
     , Id(id)
     , IsLower(std::none_of(value.begin(), value.end(), IsAsciiUpper))
+    , ActsAtEnd(id == tags::kScript || id == tags::kStyle || id == tags::kMeta)
 {
 }
 

@@ -22,6 +22,7 @@ public:
     std::uint32_t LowerHash; // RSHash of the name folded to lower case
     TTagId Id; // of a known tag, else 0
     bool IsLower; // no letter A to Z in it
+    bool ActsAtEnd; // more happens at the ">" of such a tag: script, style, meta
 };
 
 /// Names seen by one parser, over the names known to the whole process. The known ones are built once and

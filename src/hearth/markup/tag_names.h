@@ -50,10 +50,22 @@ constexpr TTagId FindTagId(std::u16string_view name)
     return 0;
 }
 
+namespace detail {
+
+/// Only the groups, by id: the rules ask for them on every step up a tree.
+inline constexpr auto kTagGroups = [] {
+    std::array<std::uint32_t, std::size(kKnownTags) + 1> groups{};
+    for (std::size_t i = 0; i < std::size(kKnownTags); ++i)
+        groups[i + 1] = kKnownTags[i].Groups;
+    return groups;
+}();
+
+}
+
 /// The groups of a tag by its id; none for id 0.
 constexpr std::uint32_t TagGroups(TTagId id)
 {
-    return id == 0 ? 0 : kKnownTags[id - 1].Groups;
+    return detail::kTagGroups[id];
 }
 
 constexpr bool IsTagIn(TTagId id, TTagGroup group)

@@ -17,6 +17,18 @@ std::size_t BlockBytes(std::size_t length)
     return sizeof(detail::TextHeader) + (length + 1) * sizeof(char16_t);
 }
 
+/// Units with one owner, their header in front and U+0000 behind.
+char16_t* NewUnits(std::size_t length)
+{
+    const std::int32_t checkedLength = CheckedLength(length);
+    auto* header = static_cast<detail::TextHeader*>(memory::Allocate(BlockBytes(length)));
+    header->count = 1;
+    header->length = checkedLength;
+    auto* units = reinterpret_cast<char16_t*>(header + 1);
+    units[length] = 0;
+    return units;
+}
+
 void CopyUnits(char16_t* to, std::u16string_view from)
 {
     if (!from.empty())
@@ -43,9 +55,11 @@ String Part(const String& whole, std::u16string_view part)
 
 String::String(std::u16string_view text)
 {
-    char16_t* units = nullptr;
-    *this = Uninitialized(text.size(), units);
-    CopyUnits(units, text);
+    if (text.empty())
+        return;
+    char16_t* const units = NewUnits(text.size());
+    std::memcpy(units, text.data(), text.size() * sizeof(char16_t));
+    FUnits = units;
 }
 
 String::String(std::size_t count, char16_t unit)
@@ -57,16 +71,7 @@ String::String(std::size_t count, char16_t unit)
 
 String String::Uninitialized(std::size_t length, char16_t*& units)
 {
-    if (length == 0) {
-        units = nullptr;
-        return String();
-    }
-    const std::int32_t checkedLength = CheckedLength(length);
-    auto* header = static_cast<detail::TextHeader*>(memory::Allocate(BlockBytes(length)));
-    header->count = 1;
-    header->length = checkedLength;
-    units = reinterpret_cast<char16_t*>(header + 1);
-    units[length] = 0;
+    units = length == 0 ? nullptr : NewUnits(length);
     return String(TAdopt{}, units);
 }
 
