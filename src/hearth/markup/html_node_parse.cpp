@@ -8,6 +8,9 @@ namespace ht {
 
 namespace {
 
+/// What a text has for a tag.
+constexpr THtTagName kNoTag;
+
 THtTagName Name(TTagId id)
 {
     const detail::StaticName& text = kKnownTags[id - 1].Text;
@@ -72,7 +75,7 @@ void THtmlNode::SetOuterHTML(const String& s)
         passedCustom = true;
         more = parser.NextItem();
     }
-    SetTag(THtTagName());
+    SetTag(kNoTag);
     FContent = String();
     if (!more)
         return;
@@ -130,7 +133,7 @@ void THtmlNode::SetInnerText(const String& Text)
     for (std::int32_t i = Count(); i-- > (first ? 1 : 0);)
         FNodes->Delete(i);
     if (!first) {
-        const THtNodeClass textClass = GetElementClass(THtTagName(), nullptr);
+        const THtNodeClass textClass = GetElementClass(kNoTag, nullptr);
         if (!textClass)
             return;
         first = AddChild(textClass);
@@ -174,7 +177,7 @@ THtmlNode::TParseStep THtmlNode::AddTextItem(THtmlParser& HP)
 {
     switch (HP.TagType) {
     case htString:
-        if (THtmlNode* text = NewChild(HP, THtTagName())) {
+        if (THtmlNode* text = NewChild(HP, kNoTag)) {
             text->TagType = htString;
             text->SetContent(HP.Value);
         }
@@ -190,7 +193,7 @@ THtmlNode::TParseStep THtmlNode::AddTextItem(THtmlParser& HP)
         AddContentNode(HP, DirectiveTag(), DirectiveTag());
         break;
     case htCData:
-        AddContentNode(HP, CommentTag(), THtTagName());
+        AddContentNode(HP, CommentTag(), kNoTag);
         break;
     default:
         break;

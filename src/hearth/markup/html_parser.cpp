@@ -3,6 +3,7 @@
 #include <hearth/markup/html_parser.h>
 
 #include <hearth/markup/html_node.h>
+#include <hearth/markup/html_tokenizer_plain_p.h>
 
 #include <string>
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/markup/html_parser.h>
 
+#include <hearth/markup/html_tokenizer_plain_p.h>
 #include <hearth/runtime/text_format.h>
 
 namespace ht {

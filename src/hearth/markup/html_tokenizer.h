@@ -15,7 +15,7 @@ namespace ht {
 /// the like are one token each; entities are resolved on the way.
 ///
 /// html_tokenizer.cpp dispatches, html_tokenizer_tags.cpp reads names and bodies, html_tokenizer_text.cpp
-/// reads text, strings and character references.
+/// reads text, strings and character references; html_tokenizer_plain_p.h has short cuts for the parser.
 class HT_API THTMLTokenizer : public TObject {
 public:
     static constexpr TClassInfo kClassInfo{u"THTMLTokenizer", &TObject::kClassInfo};
@@ -42,6 +42,16 @@ public:
     void SetXMLMode(bool value) noexcept { FXMLMode = value; }
     /// The interning tables, not owned; both must outlive the tokenizer's use.
     void SetNameTables(THtNameTable* tagNames, THtNameTable* attributeNames) noexcept;
+    /// Moves the cursor back one unit and forgets nothing else.
+    void StepBack() noexcept { FParser.Skip(-1); }
+
+private:
+    friend class THtmlParser;
+
+    enum TRawBody : std::uint8_t { rbNone, rbScript, rbStyle };
+
+    // The quick readers, in html_tokenizer_plain_p.h.
+
     /// What ReadTagHead met.
     enum TTagHead : std::uint8_t { thNone, thOpen, thComplete };
     /// Reads "<" or "</" with a plain name behind it in one step, as three calls of NextToken would (thOpen),
@@ -52,25 +62,14 @@ public:
     /// stands.
     bool ReadPlainText(String& text);
     /// Reads the ">" of a tag without a body, as NextToken would.
-    bool ReadPlainTagEnd() noexcept
-    {
-        if (*FParser.p != u'>' || !FInTag || FRawBody != rbNone)
-            return false;
-        FToken.CType = htTagEnd;
-        FToken.StartPos = FParser.Offset();
-        FToken.EndPos = FToken.StartPos + 1;
-        ++FParser.p;
-        FInTag = false;
-        return true;
-    }
+    bool ReadPlainTagEnd() noexcept;
     /// Reads blanks, a known attribute name, "=" and a quoted value in one step, as NextToken(false) and
     /// three calls more would. False, with nothing read, where something else stands.
     bool ReadPlainAttribute(const THtNameRec*& name, String& value);
-    /// Moves the cursor back one unit and forgets nothing else.
-    void StepBack() noexcept { FParser.Skip(-1); }
+    TTagHead ReadShortTagHead(const char16_t* name, bool closes);
+    TTagHead ReadLongTagHead(const char16_t* name, bool closes);
+    const THtNameRec* FindAttribute(const char16_t*& p) const;
 
-private:
-    enum TRawBody : std::uint8_t { rbNone, rbScript, rbStyle };
     enum TNameAction : std::uint8_t { naFind, naIntern };
 
     bool ReadClass(unsigned charClass);
@@ -81,7 +80,6 @@ private:
     void ReadLess();
     void ReadMarked();
 
-    TTagHead ReadShortTagHead(const char16_t* name, bool closes);
     void ReadTag();
     void ReadIdent();
     void SetName(std::uint32_t hash, std::u16string_view name, THtNameTable* table, TNameAction action);

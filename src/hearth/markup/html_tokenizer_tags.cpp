@@ -3,7 +3,6 @@
 #include <hearth/markup/html_tokenizer.h>
 
 #include <hearth/markup/html_chars_p.h>
-#include <hearth/markup/short_name_p.h>
 #include <hearth/markup/style_comments_p.h>
 #include <hearth/runtime/simd_p.h>
 
@@ -42,6 +41,21 @@ THTMLTokenizer::TRawBody THTMLTokenizer::RawBodyOf(std::u16string_view tag)
 THTMLTokenizer::TRawBody THTMLTokenizer::RawBodyOf(TTagId tag)
 {
     return tag == tags::kScript ? rbScript : tag == tags::kStyle ? rbStyle : rbNone;
+}
+
+/// What ReadTagHead does with a name that is long, unknown or written in capitals.
+THTMLTokenizer::TTagHead THTMLTokenizer::ReadLongTagHead(const char16_t* name, bool closes)
+{
+    FParser.p = name;
+    FToken.StartPos = FParser.Offset();
+    if (closes) {
+        FRawBody = rbNone;
+        FToken.CType = htTagClose;
+        ReadIdent();
+    } else {
+        ReadTag();
+    }
+    return thOpen;
 }
 
 void THTMLTokenizer::ReadTag()
@@ -96,91 +110,6 @@ void THTMLTokenizer::SetName(
         FToken.Name = FNameRecord->Value;
     else
         FToken.Name = String(name);
-}
-
-THTMLTokenizer::TTagHead THTMLTokenizer::ReadTagHead(bool& isCloseTag)
-{
-    const char16_t* const p = FParser.p;
-    if (FParser.Empty() || *p != u'<')
-        return thNone;
-    const bool closes = p[1] == u'/';
-    const char16_t first = p[closes ? 2 : 1];
-    if (!IsAsciiLower(first) && !IsAsciiUpper(first))
-        return thNone;
-    isCloseTag = closes;
-    FInTag = true;
-    if (const TTagHead head = ReadShortTagHead(p + (closes ? 2 : 1), closes); head != thNone)
-        return head;
-    FParser.p += closes ? 2 : 1;
-    FToken.StartPos = FParser.Offset();
-    if (closes) {
-        FRawBody = rbNone;
-        FToken.CType = htTagClose;
-        ReadIdent();
-    } else {
-        ReadTag();
-    }
-    return thOpen;
-}
-
-/// A known short name that a ">" or a blank ends: most tags are written so. The token's text is left alone,
-/// the record says all.
-THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t* name, bool closes)
-{
-    if (FParser.pend - name < kShortNameUnits || !FTagNames)
-        return thNone;
-    const TShortName read = ReadShortName(name);
-    const char16_t* const end = name + read.Length;
-    if (*end != u'>' && ClassInTag(*end) != ccSpace)
-        return thNone;
-    const THtNameRec* record = FTagNames->FindShort(read.Key);
-    if (!record)
-        return thNone;
-    FNameRecord = record;
-    FParser.p = end;
-    if (!record->ActsAtEnd) {
-        FRawBody = rbNone;
-        if (ReadPlainTagEnd())
-            return thComplete;
-    } else {
-        FRawBody = closes ? rbNone : RawBodyOf(record->Id);
-    }
-    FToken.CType = htIdent;
-    return thOpen;
-}
-
-bool THTMLTokenizer::ReadPlainAttribute(const THtNameRec*& name, String& value)
-{
-    const char16_t* p = FParser.p;
-    if (ClassInTag(*p) == ccSpace) {
-        while (p < FParser.pend && *p <= u' ')
-            ++p;
-    }
-    const char16_t* const from = p;
-    if (FParser.pend - p >= kShortNameUnits && FAttributeNames) {
-        const TShortName read = ReadShortName(p);
-        p += read.Length;
-        name = *p == u'=' && (p[1] == u'"' || p[1] == u'\'') ? FAttributeNames->FindShort(read.Key) : nullptr;
-        if (name) {
-            FParser.p = p + 1;
-            FToken.CType = htString;
-            value = ReadQuoted();
-            return true;
-        }
-        p = from;
-    }
-    RSHasher hasher;
-    for (; ClassInTag(*p) == ccIdentifier; ++p)
-        hasher.Add(*p);
-    if (p == from || !FAttributeNames || p[0] != u'=' || (p[1] != u'"' && p[1] != u'\''))
-        return false;
-    name = FAttributeNames->Find(hasher.Value(), Slice(from, p));
-    if (!name)
-        return false;
-    FParser.p = p + 1;
-    FToken.CType = htString;
-    value = ReadQuoted();
-    return true;
 }
 
 void THTMLTokenizer::ReadComment()

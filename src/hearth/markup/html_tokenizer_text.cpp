@@ -14,17 +14,6 @@ constexpr std::ptrdiff_t kMaxReference = 25;
 
 }
 
-bool THTMLTokenizer::ReadPlainText(String& text)
-{
-    if (FToken.CType != htTagEnd || FParser.Empty() || *FParser.p == u'<')
-        return false;
-    FToken.StartPos = FParser.Offset();
-    FToken.CType = htString;
-    text = ReadUpTo(u'<');
-    FToken.EndPos = FParser.Offset();
-    return true;
-}
-
 void THTMLTokenizer::ReadText()
 {
     FToken.Name = ReadUpTo(u'<');

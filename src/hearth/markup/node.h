@@ -240,6 +240,24 @@ public:
 
 static_assert(sizeof(void*) != 8 || sizeof(THtNode) <= 80);
 
+inline std::int32_t THtNodeList::Add(THtNode* node)
+{
+    if (FCount == FCapacity)
+        Grow(1);
+    const std::int32_t index = FCount++;
+    FItems[index] = node;
+    if (!FOwner)
+        return index;
+    node->FParent = FOwner;
+    node->FNextSibling = nullptr;
+    node->FIndex = index;
+    if (index > 0)
+        FItems[index - 1]->FNextSibling = node;
+    if (FNumbered == index)
+        ++FNumbered;
+    return index;
+}
+
 template <std::derived_from<THtNode> Node> constexpr THtNodeClass THtNodeClass::Of()
 {
     return {&Node::kClassInfo, []() -> std::unique_ptr<THtNode> { return std::make_unique<Node>(); }};

@@ -78,24 +78,6 @@ void THtNodeList::LinkRange(std::int32_t from, std::int32_t to) noexcept
         FItems[i]->FNextSibling = i + 1 < FCount ? FItems[i + 1] : nullptr;
 }
 
-std::int32_t THtNodeList::Add(THtNode* node)
-{
-    if (FCount == FCapacity)
-        Grow(1);
-    const std::int32_t index = FCount++;
-    FItems[index] = node;
-    if (!FOwner)
-        return index;
-    node->FParent = FOwner;
-    node->FNextSibling = nullptr;
-    node->FIndex = index;
-    if (index > 0)
-        FItems[index - 1]->FNextSibling = node;
-    if (FNumbered == index)
-        ++FNumbered;
-    return index;
-}
-
 void THtNodeList::Insert(std::int32_t index, THtNode* node)
 {
     InsertRange(index, {&node, 1});

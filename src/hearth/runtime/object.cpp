@@ -3,7 +3,6 @@
 #include <hearth/runtime/object.h>
 
 #include <hearth/runtime/exceptions.h>
-#include <hearth/runtime/memory.h>
 
 #include <mutex>
 #include <unordered_map>
@@ -69,16 +68,6 @@ std::uint32_t TObject::Handle()
 TObject* TObject::FromHandle(std::uint32_t handle) noexcept
 {
     return Handles().Find(handle);
-}
-
-void* TObject::operator new(std::size_t size)
-{
-    return memory::Allocate(size);
-}
-
-void TObject::operator delete(void* block) noexcept
-{
-    memory::Free(block);
 }
 
 }

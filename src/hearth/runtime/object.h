@@ -4,6 +4,7 @@
 
 #include <hearth/export.h>
 #include <hearth/runtime/class_info.h>
+#include <hearth/runtime/memory.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -32,9 +33,9 @@ public:
     /// The living object of a handle, or null: a handle of a dead object is never given again.
     static TObject* FromHandle(std::uint32_t handle) noexcept;
 
-    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size) { return memory::Allocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept;
+    static void operator delete(void* block) noexcept { memory::Free(block); }
     static void operator delete(void*, void*) noexcept { }
 
 private:

@@ -1,0 +1,110 @@
+// The quick readers for the forms that most of a page is made of, inlined into the reader of items.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/markup/html_chars_p.h>
+#include <hearth/markup/html_tokenizer.h>
+#include <hearth/markup/short_name_p.h>
+
+namespace ht {
+
+/// A tag name; "</" or "<" stands in front of it.
+inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadTagHead(bool& isCloseTag)
+{
+    const char16_t* const p = FParser.p;
+    if (FParser.Empty() || *p != u'<')
+        return thNone;
+    const bool closes = p[1] == u'/';
+    const char16_t* const name = p + (closes ? 2 : 1);
+    if (!IsAsciiLower(*name) && !IsAsciiUpper(*name))
+        return thNone;
+    isCloseTag = closes;
+    FInTag = true;
+    const TTagHead head = ReadShortTagHead(name, closes);
+    return head != thNone ? head : ReadLongTagHead(name, closes);
+}
+
+/// A known short name that a ">" or a blank ends: most tags are written so. The token's text is left alone,
+/// the record says all.
+inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t* name, bool closes)
+{
+    if (FParser.pend - name < kShortNameUnits || !FTagNames)
+        return thNone;
+    const TShortName read = ReadShortName(name);
+    const char16_t* const end = name + read.Length;
+    if (*end != u'>' && ClassInTag(*end) != ccSpace)
+        return thNone;
+    const THtNameRec* record = FTagNames->FindShort(read.Key);
+    if (!record)
+        return thNone;
+    FNameRecord = record;
+    FParser.p = end;
+    FRawBody = closes || !record->ActsAtEnd ? rbNone : RawBodyOf(record->Id);
+    if (!record->ActsAtEnd && ReadPlainTagEnd())
+        return thComplete;
+    FToken.CType = htIdent;
+    return thOpen;
+}
+
+inline bool THTMLTokenizer::ReadPlainTagEnd() noexcept
+{
+    if (*FParser.p != u'>' || !FInTag || FRawBody != rbNone)
+        return false;
+    FToken.CType = htTagEnd;
+    FToken.StartPos = FParser.Offset();
+    FToken.EndPos = FToken.StartPos + 1;
+    ++FParser.p;
+    FInTag = false;
+    return true;
+}
+
+inline bool THTMLTokenizer::ReadPlainText(String& text)
+{
+    if (FToken.CType != htTagEnd || FParser.Empty() || *FParser.p == u'<')
+        return false;
+    FToken.StartPos = FParser.Offset();
+    FToken.CType = htString;
+    text = ReadUpTo(u'<');
+    FToken.EndPos = FParser.Offset();
+    return true;
+}
+
+inline bool THTMLTokenizer::ReadPlainAttribute(const THtNameRec*& name, String& value)
+{
+    const char16_t* p = FParser.p;
+    if (ClassInTag(*p) == ccSpace) {
+        while (p < FParser.pend && *p <= u' ')
+            ++p;
+    }
+    name = FAttributeNames ? FindAttribute(p) : nullptr;
+    if (!name)
+        return false;
+    FParser.p = p;
+    FToken.CType = htString;
+    value = ReadQuoted();
+    return true;
+}
+
+/// The record of a known name at `p` with "=" and a quote behind it, which `p` then points at; else null.
+inline const THtNameRec* THTMLTokenizer::FindAttribute(const char16_t*& p) const
+{
+    const auto opensValue = [](const char16_t* end) {
+        return end[0] == u'=' && (end[1] == u'"' || end[1] == u'\'');
+    };
+    const char16_t* const from = p;
+    if (FParser.pend - from >= kShortNameUnits) {
+        const TShortName read = ReadShortName(from);
+        p = from + read.Length + 1;
+        if (const THtNameRec* record = FAttributeNames->FindShort(read.Key); record && opensValue(p - 1))
+            return record;
+    }
+    RSHasher hasher;
+    p = from;
+    for (; ClassInTag(*p) == ccIdentifier; ++p)
+        hasher.Add(*p);
+    if (p == from || !opensValue(p++))
+        return nullptr;
+    return FAttributeNames->Find(hasher.Value(), {from, static_cast<std::size_t>(p - 1 - from)});
+}
+
+}
