@@ -137,19 +137,15 @@ void THtAttributes::SortTail() const
     FIndex.reset();
 }
 
-/// True when a name stands behind all that are in order already: names often come so.
-bool THtAttributes::GoesToEnd(std::u16string_view name) const
-{
-    return FSortedCount == 0 || Compare(FList[FSortedCount - 1].Name, name) < 0;
-}
-
 /// Looks among the entries that are in order already.
 bool THtAttributes::FindSorted(std::u16string_view name, std::int32_t& index) const
 {
     const auto less = [this](const THtAttribute& a, std::u16string_view b) { return Compare(a.Name, b) < 0; };
     const THtAttribute* first = FList;
     const THtAttribute* last = first + FSortedCount;
-    const THtAttribute* found = GoesToEnd(name) ? last : std::lower_bound(first, last, name, less);
+    // Names often come in their order.
+    const bool goesToEnd = FSortedCount == 0 || less(last[-1], name);
+    const THtAttribute* found = goesToEnd ? last : std::lower_bound(first, last, name, less);
     index = static_cast<std::int32_t>(found - first);
     return found != last && Compare(found->Name, name) == 0;
 }
@@ -270,17 +266,12 @@ void THtAttributes::Add(const String& AttrName, const String& AttrValue)
     InsertSorted(index, name, AttrValue);
 }
 
-void THtAttributes::AddNew(const String& AttrName, String AttrValue)
+void THtAttributes::AddNewAnywhere(const String& AttrName, String&& AttrValue)
 {
     std::int32_t index = 0;
     if (FSortedCount < FCount) {
         if (!Lookup(AttrName))
             Append(AttrName, std::move(AttrValue));
-    } else if (GoesToEnd(AttrName)) {
-        EnsureCapacity();
-        FList[FCount].Name = AttrName;
-        FList[FCount].Value = std::move(AttrValue);
-        FSortedCount = ++FCount;
     } else if (!FindSorted(AttrName, index)) {
         InsertSorted(index, AttrName, std::move(AttrValue));
     }

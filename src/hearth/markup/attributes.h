@@ -60,7 +60,15 @@ public:
     /// Inserts without looking for an entry of that name.
     void Add(const String& AttrName, const String& AttrValue);
     /// Inserts a name in the form in which it is stored, unless an entry of that name is here.
-    void AddNew(const String& AttrName, String AttrValue);
+    void AddNew(const String& AttrName, String AttrValue)
+    {
+        // Most elements have one attribute.
+        if (FCount > 0 || FCapacity == 0)
+            return AddNewAnywhere(AttrName, std::move(AttrValue));
+        FList[0].Name = AttrName;
+        FList[0].Value = std::move(AttrValue);
+        FCount = FSortedCount = 1;
+    }
     /// Replaces the value of a name, or inserts.
     void SetAttribute(const String& Name, const String& Value) { SetAttributeEx(Name, Value); }
     /// The same; true if something changed.
@@ -86,7 +94,7 @@ private:
     const THtAttribute* Sorted() const;
     THtAttribute* Lookup(std::u16string_view name) const;
     int Compare(std::u16string_view a, std::u16string_view b) const;
-    bool GoesToEnd(std::u16string_view name) const;
+    void AddNewAnywhere(const String& AttrName, String&& AttrValue);
     bool FindSorted(std::u16string_view name, std::int32_t& index) const;
     String StoredName(const String& name) const;
     // By value: what comes in may stand in an entry that moves.

@@ -57,6 +57,12 @@ struct Units8 {
         return bytes;
     }
     static constexpr int kMaskBitsPerUnit = 2;
+    /// The masks of two results in a row, kPairBitsPerUnit bits a unit.
+    static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
+    {
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(first.value, second.value)));
+    }
+    static constexpr int kPairBitsPerUnit = 1;
 #elif defined(__aarch64__)
     uint16x8_t value;
 
@@ -90,6 +96,12 @@ struct Units8 {
         return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(value)), 0);
     }
     static constexpr int kMaskBitsPerUnit = 8;
+    static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
+    {
+        const uint8x16_t both = vcombine_u8(vmovn_u16(first.value), vmovn_u16(second.value));
+        return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(both), 4)), 0);
+    }
+    static constexpr int kPairBitsPerUnit = 4;
 #else
     char16_t value[8];
 
@@ -143,6 +155,11 @@ struct Units8 {
         return bytes;
     }
     static constexpr int kMaskBitsPerUnit = 1;
+    static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
+    {
+        return first.Mask() | second.Mask() << kCount;
+    }
+    static constexpr int kPairBitsPerUnit = 1;
 #endif
     static constexpr std::ptrdiff_t kCount = 8;
 
@@ -380,13 +397,17 @@ private:
 template <class... Wanted>
 const char16_t* FindAny(const char16_t* p, const char16_t* end, Wanted... wanted) noexcept
 {
-    for (; end - p >= Units8::kCount; p += Units8::kCount) {
-        const Units8 units = Units8::Load(p);
+    const auto matches = [&](const char16_t* at) {
+        const Units8 units = Units8::Load(at);
         Units8 found = Units8::Fill(0);
         ((found = found.Or(units.Equal(Units8::Fill(wanted)))), ...);
-        const std::uint64_t mask = found.Mask();
+        return found;
+    };
+    // Most stretches of a page are shorter than this step, so that the loop seldom surprises the processor.
+    for (constexpr std::ptrdiff_t kStep = 2 * Units8::kCount; end - p >= kStep; p += kStep) {
+        const std::uint64_t mask = Units8::PairMask(matches(p), matches(p + Units8::kCount));
         if (mask != 0)
-            return p + Units8::FirstOf(mask);
+            return p + std::countr_zero(mask) / Units8::kPairBitsPerUnit;
     }
     while (p < end && ((*p != wanted) && ...))
         ++p;
