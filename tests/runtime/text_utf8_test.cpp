@@ -91,11 +91,18 @@ TEST(text_utf8, random_text_goes_out_as_defined_and_comes_back)
     }
 }
 
-TEST(text_utf8, a_pair_across_the_pieces_of_the_size_count_stays_a_pair)
+TEST(text_utf8, long_text_is_encoded_in_pieces_that_split_no_pair)
 {
-    for (std::size_t before : {0x3FFEU, 0x3FFFU, 0x4000U, 0x7FFEU, 0x7FFFU}) {
-        const String text = String(1, u'\xE9') + std::u16string(before, u'x') + u"\xD83D\xDE00\xD83D";
-        EXPECT_EQ(text.ToUtf8(), "\xC3\xA9" + std::string(before, 'x') + "\xF0\x9F\x98\x80\xEF\xBF\xBD");
+    for (const char16_t head : {u'x', u'\u00E9', u'\u3042'}) {
+        for (const char16_t tail : {u'x', u'\u3042'}) {
+            for (std::size_t before : {0x7FEU, 0x7FFU, 0x800U, 0xFFEU, 0xFFFU}) {
+                const std::u16string text = std::u16string(before, head) + u"\xD83D\xDE00"
+                    + std::u16string(before, tail) + u"\xD83D" + std::u16string(20 * before, tail);
+                const std::string bytes = String(std::u16string_view(text)).ToUtf8();
+                ASSERT_EQ(bytes, EncodePlainly(text)) << int{head} << ' ' << int{tail} << ' ' << before;
+                ASSERT_LE(bytes.capacity(), bytes.size() + bytes.size() / 8) << "unused room";
+            }
+        }
     }
 }
 

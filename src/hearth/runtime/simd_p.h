@@ -56,6 +56,11 @@ struct Units8 {
         std::memcpy(&bytes, &packed, sizeof bytes);
         return bytes;
     }
+    /// Writes eight bytes, one a unit; the units have to be below U+0080.
+    void StoreBytes(char* to) const noexcept
+    {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(value, value));
+    }
     static constexpr int kMaskBitsPerUnit = 2;
     /// The masks of two results in a row, kPairBitsPerUnit bits a unit.
     static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
@@ -94,6 +99,10 @@ struct Units8 {
     std::uint64_t Bytes() const noexcept
     {
         return vget_lane_u64(vreinterpret_u64_u8(vmovn_u16(value)), 0);
+    }
+    void StoreBytes(char* to) const noexcept
+    {
+        vst1_u8(reinterpret_cast<std::uint8_t*>(to), vmovn_u16(value));
     }
     static constexpr int kMaskBitsPerUnit = 8;
     static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
@@ -154,6 +163,11 @@ struct Units8 {
             bytes = bytes << 8U | (value[i] & 0xFFU);
         return bytes;
     }
+    void StoreBytes(char* to) const noexcept
+    {
+        for (int i = 0; i < 8; ++i)
+            to[i] = static_cast<char>(value[i]);
+    }
     static constexpr int kMaskBitsPerUnit = 1;
     static std::uint64_t PairMask(Units8 first, Units8 second) noexcept
     {
@@ -163,8 +177,12 @@ struct Units8 {
 #endif
     static constexpr std::ptrdiff_t kCount = 8;
 
-    /// True when every unit is below U+0080.
-    bool IsAscii() const noexcept;
+    /// True when no unit has one of the bits.
+    bool LacksBits(char16_t bits) const noexcept;
+    bool IsAscii() const noexcept
+    {
+        return LacksBits(0xFF80);
+    }
     /// Index of the first unit in a mask that is not 0.
     static int FirstOf(std::uint64_t mask) noexcept
     {
@@ -172,18 +190,18 @@ struct Units8 {
     }
 };
 
-inline bool Units8::IsAscii() const noexcept
+inline bool Units8::LacksBits(char16_t bits) const noexcept
 {
 #if defined(__SSE2__)
-    const __m128i high = _mm_and_si128(value, _mm_set1_epi16(static_cast<short>(0xFF80)));
-    return _mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xFFFF;
+    const __m128i found = _mm_and_si128(value, Fill(bits).value);
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(found, _mm_setzero_si128())) == 0xFFFF;
 #elif defined(__aarch64__)
-    return vmaxvq_u16(value) < 0x80;
+    return vmaxvq_u16(vandq_u16(value, vdupq_n_u16(bits))) == 0;
 #else
     char16_t all = 0;
     for (char16_t unit : value)
         all |= unit;
-    return all < 0x80;
+    return (all & bits) == 0;
 #endif
 }
 
@@ -239,20 +257,6 @@ struct Bytes16 {
     {
         return {_mm_packus_epi16(first.value, second.value)};
     }
-    /// Writes eight two-byte sequences for eight units and returns how many from the first on were U+0080
-    /// to U+07FF.
-    static int EncodePairs(Units8 units, char* to) noexcept
-    {
-        const __m128i lead = _mm_or_si128(_mm_srli_epi16(units.value, 6), Same16(0x00C0));
-        const __m128i tail = _mm_or_si128(_mm_and_si128(units.value, Same16(0x003F)), Same16(0x0080));
-        const __m128i both = _mm_or_si128(lead, _mm_slli_epi16(tail, 8));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), both);
-        const __m128i zero = _mm_setzero_si128();
-        const __m128i fits = _mm_cmpeq_epi16(_mm_and_si128(units.value, Same16(0xF800)), zero);
-        const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(units.value, Same16(0xFF80)), zero);
-        return std::countr_one(static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_andnot_si128(ascii, fits))))
-            / 2;
-    }
 
 private:
     static __m128i Same16(std::uint16_t word) noexcept
@@ -304,15 +308,6 @@ private:
     static Bytes16 Narrow(Units8 first, Units8 second) noexcept
     {
         return {vcombine_u8(vmovn_u16(first.value), vmovn_u16(second.value))};
-    }
-    static int EncodePairs(Units8 units, char* to) noexcept
-    {
-        const uint16x8_t lead = vorrq_u16(vshrq_n_u16(units.value, 6), vdupq_n_u16(0x00C0));
-        const uint16x8_t tail = vorrq_u16(vandq_u16(units.value, vdupq_n_u16(0x003F)), vdupq_n_u16(0x0080));
-        const uint16x8_t both = vorrq_u16(lead, vshlq_n_u16(tail, 8));
-        vst1q_u8(reinterpret_cast<std::uint8_t*>(to), vreinterpretq_u8_u16(both));
-        const uint16x8_t fits = vcltq_u16(units.value, vdupq_n_u16(0x0800));
-        return GoodStart(vandq_u16(fits, vcgeq_u16(units.value, vdupq_n_u16(0x0080))));
     }
 
 private:
@@ -377,18 +372,6 @@ private:
         for (std::size_t i = 0; i < sizeof bytes.value; ++i)
             bytes.value[i] = static_cast<char>(units[i]);
         return bytes;
-    }
-    static int EncodePairs(Units8 units, char* to) noexcept
-    {
-        char16_t plain[Units8::kCount];
-        std::memcpy(plain, &units.value, sizeof plain);
-        for (int i = 0; i < kPairCount; ++i) {
-            if (plain[i] < 0x80 || plain[i] > 0x7FF)
-                return i;
-            to[2 * i] = static_cast<char>(0xC0 | plain[i] >> 6);
-            to[2 * i + 1] = static_cast<char>(0x80 | (plain[i] & 0x3F));
-        }
-        return kPairCount;
     }
 #endif
 };

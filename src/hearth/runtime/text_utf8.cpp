@@ -4,7 +4,7 @@
 
 #include <hearth/runtime/simd_p.h>
 
-#include <cstring>
+#include <array>
 
 namespace ht {
 
@@ -14,11 +14,18 @@ using simd::Bytes16;
 using simd::Units8;
 
 constexpr char16_t kReplacement = 0xFFFD;
+/// Text may be kept for long, so of its room no more than an eighth stays unused.
+constexpr std::size_t kMostUnused = 8;
 constexpr std::ptrdiff_t kWideStep = 4 * Bytes16::kCount;
 
 constexpr bool IsTail(unsigned byte) noexcept
 {
     return (byte & 0xC0) == 0x80;
+}
+
+constexpr bool IsPairLead(unsigned byte) noexcept
+{
+    return byte >= 0xC2 && byte < 0xE0;
 }
 
 unsigned ByteAt(const char* p) noexcept
@@ -139,83 +146,55 @@ const char* DecodeTriples(const char* p, const char* end, char16_t*& out) noexce
     return p;
 }
 
+/// Four bytes that stand for a pair of units; nothing is written when they are not well-formed.
+const char* DecodeQuad(const char* p, char16_t*& out) noexcept
+{
+    const unsigned first = ByteAt(p + 1);
+    const unsigned second = ByteAt(p + 2);
+    const unsigned third = ByteAt(p + 3);
+    const char32_t code =
+        (ByteAt(p) & 0x07) << 18 | (first & 0x3F) << 12 | (second & 0x3F) << 6 | (third & 0x3F);
+    if (!IsTail(first) || !IsTail(second) || !IsTail(third) || code < 0x10000 || code > 0x10FFFF)
+        return p;
+    out[0] = static_cast<char16_t>(0xD7C0 + (code >> 10));
+    out[1] = static_cast<char16_t>(0xDC00 | (code & 0x3FF));
+    out += 2;
+    return p + 4;
+}
+
+/// What is well-formed at `p`, where four bytes are left: a sequence, or a row of its kind.
+const char* DecodeRow(const char* p, const char* end, char16_t*& out) noexcept
+{
+    const unsigned lead = ByteAt(p);
+    if (lead >= 0xF0)
+        return lead < 0xF8 ? DecodeQuad(p, out) : p;
+    if (lead >= 0xE0)
+        return DecodeTriples(p, end, out);
+    if (!IsPairLead(lead) || !IsTail(ByteAt(p + 1)))
+        return p;
+    *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (ByteAt(p + 1) & 0x3F));
+    p += 2;
+    // Accents come alone or as two, for which a register does not pay.
+    const bool isRow = end - p >= Bytes16::kCount && IsPairLead(ByteAt(p)) && IsPairLead(ByteAt(p + 2));
+    return isRow ? DecodePairs(p, end, out) : p;
+}
+
 /// Sequences of all lengths, until a run of ASCII or the end.
 const char* DecodeMixed(const char* p, const char* end, char16_t*& out) noexcept
 {
     char16_t* to = out;
-    for (int asciiRun = 0; p < end && asciiRun < kPlainRun;) {
-        const unsigned lead = ByteAt(p);
-        if (lead < 0x80) {
-            *to++ = static_cast<char16_t>(lead);
-            ++p;
-            ++asciiRun;
-            continue;
+    for (;;) {
+        while (p < end && ByteAt(p) >= 0x80) {
+            const char* const after = end - p >= 4 ? DecodeRow(p, end, to) : p;
+            p = after != p ? after : DecodeSequence(p, end, to);
         }
-        asciiRun = 0;
-        if (end - p >= 4) {
-            const unsigned first = ByteAt(p + 1);
-            if ((lead & 0xE0) == 0xC0 && lead >= 0xC2 && IsTail(first)) {
-                *to++ = static_cast<char16_t>((lead & 0x1F) << 6 | (first & 0x3F));
-                p += 2;
-                if (ByteAt(p) >= 0xC2 && ByteAt(p) < 0xE0)
-                    p = DecodePairs(p, end, to);
-                continue;
-            }
-            const char* const after = (lead & 0xF0) == 0xE0 ? DecodeTriples(p, end, to) : p;
-            if (after != p) {
-                p = after;
-                continue;
-            }
-        }
-        p = DecodeSequence(p, end, to);
-    }
-    out = to;
-    return p;
-}
-
-/// Bytes that the units take as UTF-8. `p[-1]` and `*end` are not looked at: pieces must not split a pair.
-std::size_t EncodedSizeOfPiece(const char16_t* p, std::size_t count) noexcept
-{
-    std::uint16_t wide = 0;
-    std::uint16_t wider = 0;
-    std::uint16_t pairs = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        wide = static_cast<std::uint16_t>(wide + (p[i] >= 0x80));
-        wider = static_cast<std::uint16_t>(wider + (p[i] >= 0x800));
-    }
-    for (std::size_t i = 1; i < count; ++i) {
-        const int pair = int{(p[i - 1] & 0xFC00) == 0xD800} & int{(p[i] & 0xFC00) == 0xDC00};
-        pairs = static_cast<std::uint16_t>(pairs + pair);
-    }
-    // A pair counts three bytes for each half and gives two back.
-    return count + wide + wider - std::size_t{2} * pairs;
-}
-
-std::size_t EncodedSize(const char16_t* p, const char16_t* end) noexcept
-{
-    constexpr std::ptrdiff_t kPiece = 0x4000; // keeps the counts of a piece within 16 bits
-    std::size_t size = 0;
-    while (p < end) {
-        const char16_t* stop = end - p > kPiece ? p + kPiece : end;
-        if (stop < end && IsHighSurrogate(stop[-1]))
-            --stop;
-        size += EncodedSizeOfPiece(p, static_cast<std::size_t>(stop - p));
-        p = stop;
-    }
-    return size;
-}
-
-const char16_t* SkipAscii(const char16_t* p, const char16_t* end) noexcept
-{
-    constexpr std::ptrdiff_t kStep = 4 * Units8::kCount;
-    for (; end - p >= kStep; p += kStep) {
-        const Units8 first = Units8::Load(p).Or(Units8::Load(p + 8));
-        const Units8 second = Units8::Load(p + 16).Or(Units8::Load(p + 24));
-        if (!first.Or(second).IsAscii())
+        const char* const plainEnd = end - p > kPlainRun ? p + kPlainRun : end;
+        while (p < plainEnd && ByteAt(p) < 0x80)
+            *to++ = static_cast<char16_t>(*p++);
+        if (p == plainEnd)
             break;
     }
-    while (p < end && *p < 0x80)
-        ++p;
+    out = to;
     return p;
 }
 
@@ -223,6 +202,17 @@ const char16_t* SkipAscii(const char16_t* p, const char16_t* end) noexcept
 const char16_t* EncodeAscii(const char16_t* p, const char16_t* end, char*& out) noexcept
 {
     char* to = out;
+    for (; end - p >= kWideStep; p += kWideStep, to += kWideStep) {
+        Units8 units[8];
+        for (int i = 0; i < 8; ++i)
+            units[i] = Units8::Load(p + i * Units8::kCount);
+        const Units8 first = units[0].Or(units[1]).Or(units[2].Or(units[3]));
+        const Units8 second = units[4].Or(units[5]).Or(units[6].Or(units[7]));
+        if (!first.Or(second).IsAscii())
+            break;
+        for (int i = 0; i < 4; ++i)
+            Bytes16::Narrow(units[2 * i], units[2 * i + 1]).Store(to + i * Bytes16::kCount);
+    }
     for (; end - p >= Bytes16::kCount; p += Bytes16::kCount, to += Bytes16::kCount) {
         const Units8 first = Units8::Load(p);
         const Units8 second = Units8::Load(p + Units8::kCount);
@@ -241,66 +231,112 @@ char Tail(char32_t code, int shift) noexcept
     return static_cast<char>(0x80 | ((code >> shift) & 0x3F));
 }
 
+char* WriteTriple(char32_t code, char* to) noexcept
+{
+    to[0] = static_cast<char>(0xE0 | code >> 12);
+    to[1] = Tail(code, 6);
+    to[2] = Tail(code, 0);
+    return to + 3;
+}
+
+char* WriteQuad(char32_t code, char* to) noexcept
+{
+    to[0] = static_cast<char>(0xF0 | code >> 18);
+    to[1] = Tail(code, 12);
+    to[2] = Tail(code, 6);
+    to[3] = Tail(code, 0);
+    return to + 4;
+}
+
 /// One code point from U+0800 on.
 const char16_t* EncodeLong(const char16_t* p, const char16_t* end, char*& out) noexcept
 {
-    char* to = out;
-    char32_t code = *p++;
-    if ((code & 0xFC00) == 0xD800 && p < end && IsLowSurrogate(*p)) {
-        code = 0x10000 + ((code & 0x3FF) << 10 | (*p++ & 0x3FFU));
-        *to++ = static_cast<char>(0xF0 | code >> 18);
-        *to++ = Tail(code, 12);
+    const char16_t unit = *p++;
+    if ((unit & 0xF800) != 0xD800) {
+        out = WriteTriple(unit, out);
+    } else if (IsHighSurrogate(unit) && p < end && IsLowSurrogate(*p)) {
+        out = WriteQuad(0x10000 + ((unit & 0x3FFU) << 10 | (*p++ & 0x3FFU)), out);
     } else {
-        if ((code & 0xF800) == 0xD800)
-            code = kReplacement;
-        *to++ = static_cast<char>(0xE0 | code >> 12);
+        out = WriteTriple(kReplacement, out);
     }
-    to[0] = Tail(code, 6);
-    to[1] = Tail(code, 0);
-    out = to + 2;
     return p;
 }
 
-/// Units U+0080 to U+07FF in a row, as long as whole registers fit behind `out`.
-const char16_t* EncodePairs(const char16_t* p, const char16_t* end, char*& out, const char* outEnd) noexcept
+/// A unit below U+0800. The second byte is written in any case, as asking costs more where letters and blanks
+/// take turns; there must be room for it.
+void EncodeShort(char16_t unit, char*& out) noexcept
+{
+    const bool isPair = unit >= 0x80;
+    out[0] = static_cast<char>(isPair ? 0xC0 | unit >> 6 : unit);
+    out[1] = Tail(unit, 0);
+    out += isPair ? 2 : 1;
+}
+
+/// Units of any kind, until `stop` is reached or, by a pair, passed.
+const char16_t* EncodeEach(const char16_t* p, const char16_t* stop, const char16_t* end, char*& out) noexcept
+{
+    while (p < stop) {
+        if (*p < 0x800)
+            EncodeShort(*p++, out);
+        else
+            p = EncodeLong(p, end, out);
+    }
+    return p;
+}
+
+/// Units of all kinds in blocks, until two blocks in a row are ASCII or the end.
+const char16_t* EncodeMixed(const char16_t* p, const char16_t* end, char*& out) noexcept
 {
     char* to = out;
-    int count = Bytes16::kPairCount;
-    while (count == Bytes16::kPairCount && end - p >= Units8::kCount && outEnd - to >= Bytes16::kCount) {
-        count = Bytes16::EncodePairs(Units8::Load(p), to);
-        p += count;
-        to += 2 * count;
+    for (int plain = 0; p < end && plain < 2;) {
+        const char16_t* stop = end;
+        if (end - p >= Units8::kCount) {
+            stop = p + Units8::kCount;
+            const Units8 units = Units8::Load(p);
+            if (units.IsAscii()) {
+                units.StoreBytes(to);
+                to += Units8::kCount;
+                p = stop;
+                ++plain;
+                continue;
+            }
+            plain = 0;
+            if (units.LacksBits(0xF800)) {
+                for (; p < stop; ++p)
+                    EncodeShort(*p, to);
+                continue;
+            }
+        }
+        p = EncodeEach(p, stop, end, to);
     }
     out = to;
     return p;
 }
 
-/// Units of all kinds, until a run of ASCII or the end.
-const char16_t* EncodeMixed(const char16_t* p, const char16_t* end, char*& out, const char* outEnd) noexcept
+constexpr std::ptrdiff_t kPieceUnits = 2048;
+
+/// The end of a piece, which splits no pair.
+const char16_t* PieceEnd(const char16_t* p, const char16_t* end) noexcept
 {
-    char* to = out;
-    for (int asciiRun = 0; p < end && asciiRun < kPlainRun;) {
-        const char16_t unit = *p;
-        if (unit < 0x80) {
-            *to++ = static_cast<char>(unit);
-            ++p;
-            ++asciiRun;
-            continue;
-        }
-        asciiRun = 0;
-        if (unit >= 0x800) {
-            p = EncodeLong(p, end, to);
-            continue;
-        }
-        to[0] = static_cast<char>(0xC0 | unit >> 6);
-        to[1] = Tail(unit, 0);
-        to += 2;
-        ++p;
-        if (p < end && *p >= 0x80 && *p < 0x800)
-            p = EncodePairs(p, end, to, outEnd);
+    if (end - p <= kPieceUnits)
+        return end;
+    const char16_t* const stop = p + kPieceUnits;
+    return IsHighSurrogate(stop[-1]) ? stop - 1 : stop;
+}
+
+/// Room for the bytes of a piece: no unit takes more than three, and a pair takes four.
+using PieceBytes = std::array<char, 3 * kPieceUnits>;
+
+/// The bytes of a piece that `room` has taken. There is room behind them for whole registers: a unit that is
+/// still to come has three bytes left.
+std::string_view EncodePiece(const char16_t* p, const char16_t* end, PieceBytes& room) noexcept
+{
+    char* out = room.data();
+    while (p < end) {
+        p = EncodeAscii(p, end, out);
+        p = EncodeMixed(p, end, out);
     }
-    out = to;
-    return p;
+    return {room.data(), static_cast<std::size_t>(out - room.data())};
 }
 
 }
@@ -320,24 +356,34 @@ String String::FromUtf8(std::string_view bytes)
     const auto length = static_cast<std::size_t>(out - units);
     if (length == bytes.size())
         return result;
-    // Text that will be kept should not carry more than an eighth of unused room.
-    if (bytes.size() - length > length / 8)
+    if (bytes.size() - length > length / kMostUnused)
         return String(std::u16string_view(units, length));
     units[length] = 0;
     result.Header().length = static_cast<std::int32_t>(length);
     return result;
 }
 
+/// A string that is made at its full size is filled with zeros first, so pieces are encoded where they stay
+/// in the nearest cache, and appended.
 std::string String::ToUtf8() const
 {
-    const char16_t* const afterAscii = SkipAscii(begin(), end());
-    const auto asciiSize = static_cast<std::size_t>(afterAscii - begin());
-    std::string bytes(asciiSize + EncodedSize(afterAscii, end()), '\0');
-    char* out = bytes.data();
-    for (const char16_t* p = begin(); p < end();) {
-        p = EncodeAscii(p, end(), out);
-        p = EncodeMixed(p, end(), out, bytes.data() + bytes.size());
+    PieceBytes room;
+    const char16_t* p = PieceEnd(begin(), end());
+    const std::string_view first = EncodePiece(begin(), p, room);
+    if (p == end())
+        return std::string(first);
+    // Room as if all of the text were like its first piece, and a little more.
+    const std::size_t expected = (size() / kPieceUnits + 1) * first.size();
+    std::string bytes;
+    bytes.reserve(expected + expected / 16);
+    bytes = first;
+    while (p < end()) {
+        const char16_t* const stop = PieceEnd(p, end());
+        bytes += EncodePiece(p, stop, room);
+        p = stop;
     }
+    if (bytes.capacity() - bytes.size() > bytes.size() / kMostUnused)
+        bytes.shrink_to_fit();
     return bytes;
 }
 
