@@ -204,7 +204,9 @@ TEST(string_parser, integers)
     const auto readHex = [](TStringParser& parser) { return Shown(parser.ReadHex()); };
     ExpectReads(readHex,
         {{u"fFg", "255|g"}, {u"+-10", "-16|"}, {u"-+10", "0|+10"}, {u", 1", "1|"},
-            {u"7FFFFFFFFFFFFFFF", "9223372036854775807|"}, {u"FFFFFFFFFFFFFFFFFF", "9223372036854775807|"}});
+            {u"7FFFFFFFFFFFFFFF", "9223372036854775807|"}, {u"FFFFFFFFFFFFFFFFFF", "9223372036854775807|"},
+            {u"-8000000000000000", "-9223372036854775808|"},
+            {u"-8000000000000001", "-9223372036854775808|"}});
     const auto readBin = [](TStringParser& parser) { return Shown(parser.ReadBin()); };
     ExpectReads(readBin, {{u" 1012", "5|2"}, {u"-11", "-3|"}, {u",1", "0|,1"}, {u"", "0|"}});
 }
@@ -251,7 +253,9 @@ TEST(string_parser, integers_stay_exact_until_they_turn_into_floats)
     };
     ExpectReads(read,
         {{u"12", "i12|"}, {u"-12", "i-12|"}, {u"9223372036854775807", "i9223372036854775807|"},
-            {u"9223372036854775808", "f9223372036854775808.|"}, {u"1..5", "i1|..5"}, {u"1.5", "f1.5|"},
+            {u"9223372036854775808", "f9223372036854775808.|"},
+            {u"-9223372036854775808", "i-9223372036854775808|"},
+            {u"-9223372036854775809", "f-9223372036854775808.|"}, {u"1..5", "i1|..5"}, {u"1.5", "f1.5|"},
             {u"1.", "f1.|"}, {u"2e3", "f2000.|"}, {u"2e", "i2|e"}, {u"1e300", "f1.|"}, {u",1", "i0|,1"},
             {u"", "i0|"}, {u"0.30000000000000004", "f0.3|"}});
     const std::u16string nines(400, u'9');

@@ -44,12 +44,17 @@ bool ReadBasedSign(TStringParser& parser)
     return true;
 }
 
+/// The type reaches one further down than up.
+constexpr std::uint64_t GreatestMagnitude(bool negative)
+{
+    return static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) + (negative ? 1U : 0U);
+}
+
 /// Saturates at the ends of the type: there is no limit of digits.
 std::int64_t SignedMagnitude(std::uint64_t magnitude, bool negative)
 {
-    constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    const auto value = static_cast<std::int64_t>(std::min(magnitude, kMax));
-    return negative ? -value : value;
+    const std::uint64_t kept = std::min(magnitude, GreatestMagnitude(negative));
+    return static_cast<std::int64_t>(negative ? 0U - kept : kept);
 }
 
 }
@@ -182,29 +187,27 @@ bool TStringParser::ReadIntOrFloat(std::int64_t& IntValue, double& ExtValue)
         return true;
     const bool negative = ReadSign();
     CheckDigit();
-    std::int64_t whole = 0;
+    const std::uint64_t greatest = GreatestMagnitude(negative);
+    std::uint64_t whole = 0;
     bool isInteger = true;
     double value = 0;
     for (; IsAsciiDigit(*p); ++p) {
-        const int digit = *p - u'0';
-        if (isInteger
-            && (__builtin_mul_overflow(whole, std::int64_t{10}, &IntValue)
-                || __builtin_add_overflow(IntValue, std::int64_t{digit}, &IntValue))) {
+        const auto digit = static_cast<unsigned>(*p - u'0');
+        if (isInteger && whole > (greatest - digit) / 10) {
             isInteger = false;
             value = static_cast<double>(whole);
         }
         if (isInteger)
-            whole = IntValue;
+            whole = whole * 10 + digit;
         else
             value = value * 10 + digit;
     }
     const bool hasFraction = *p == u'.' && p[1] != u'.';
     const bool hasExponent = StartsExponent();
     if (isInteger && !hasFraction && !hasExponent) {
-        IntValue = negative ? -whole : whole;
+        IntValue = SignedMagnitude(whole, negative);
         return true;
     }
-    IntValue = 0;
     if (isInteger)
         value = static_cast<double>(whole);
     if (hasFraction)
