@@ -37,7 +37,7 @@ std::string NameOf(ht::THtmlEncoding encoding)
 void Run(const EncodingOptions& options)
 {
     std::uint32_t page = 0;
-    const std::string start = options.Input.ReadStart(kDetectionBytes);
+    const std::string start = options.Input.ReadStart(ht::THtmlParser::kDetectionBytes);
     const std::string name = NameOf(ht::THtmlParser::GetBytesEncoding(start, page));
     options.Output.WriteText(page == 0 ? name : name + " " + std::to_string(page));
 }

@@ -28,9 +28,6 @@ namespace {
 constexpr std::size_t kMaxBytes = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t kPieceBytes = std::size_t{1} << 16U;
 
-constexpr std::uint32_t kUtf16LittleEndianPage = 1200;
-constexpr std::uint32_t kUtf16BigEndianPage = 1201;
-
 /// An open file, closed at the end of the scope; standard input stays open.
 class InputFile {
 public:
@@ -101,28 +98,14 @@ std::uint32_t PageOfName(const std::string& name)
     return ht::IsKnownCodePage(page) ? page : 0;
 }
 
-std::uint32_t PageOfMark(ht::THtByteOrderMark mark)
-{
-    switch (mark) {
-    case ht::bomUtf8:
-        return ht::kUtf8CodePage;
-    case ht::bomUtf16LittleEndian:
-        return kUtf16LittleEndianPage;
-    case ht::bomUtf16BigEndian:
-        return kUtf16BigEndianPage;
-    default:
-        return 0;
-    }
-}
-
 /// A mark of the named encoding is no part of the text; "utf-16" leaves the order of the bytes to the mark.
 ht::String DecodeNamed(std::string_view bytes, const std::string& name)
 {
     std::uint32_t page = PageOfName(name);
     const ht::THtByteOrderMarkMatch match = ht::DetectByteOrderMark(bytes);
     if (match.Mark == ht::bomUtf16BigEndian && ht::SameText(ht::String::FromUtf8(name), u"utf-16"))
-        page = kUtf16BigEndianPage;
-    if (PageOfMark(match.Mark) == page)
+        page = ht::kUtf16BigEndianCodePage;
+    if (ht::CodePageOf(match.Mark) == page)
         bytes.remove_prefix(match.Size);
     return ht::DecodeBytes(bytes, page);
 }
@@ -133,7 +116,7 @@ std::optional<ht::String> DecodeMarked(std::string_view bytes)
     const ht::THtByteOrderMarkMatch match = ht::DetectByteOrderMark(bytes);
     if (match.Mark == ht::bomNone)
         return std::nullopt;
-    return ht::DecodeBytes(bytes.substr(match.Size), PageOfMark(match.Mark));
+    return ht::DecodeBytes(bytes.substr(match.Size), ht::CodePageOf(match.Mark));
 }
 
 /// UTF-16 that was recognised without a mark by the zero bytes of its ASCII part: they stand first where the
@@ -141,9 +124,9 @@ std::optional<ht::String> DecodeMarked(std::string_view bytes)
 std::uint32_t PageOfZeros(std::string_view bytes)
 {
     std::array<std::size_t, 2> zeros{};
-    for (std::size_t i = 0; i < std::min(bytes.size(), kDetectionBytes); ++i)
+    for (std::size_t i = 0; i < std::min(bytes.size(), ht::THtmlParser::kDetectionBytes); ++i)
         zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
-    return zeros[0] > zeros[1] ? kUtf16BigEndianPage : kUtf16LittleEndianPage;
+    return zeros[0] > zeros[1] ? ht::kUtf16BigEndianCodePage : ht::kUtf16LittleEndianCodePage;
 }
 
 Page DecodePage(std::string_view bytes)

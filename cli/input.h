@@ -14,9 +14,6 @@ class App;
 
 namespace hearth_cli {
 
-/// The detection of encodings looks at no more.
-constexpr std::size_t kDetectionBytes = 4096;
-
 /// The text of an HTML page.
 struct Page {
     ht::String Text;
