@@ -72,6 +72,8 @@ TEST(hash, values_follow_the_rules_unit_by_unit)
     EXPECT_EQ(JenkinsHashANSI("a\xE4z"), JenkinsHash(u"a\u00E4z"));
     EXPECT_EQ(JenkinsHash(u"a"), 0xCA2E9442U);
     EXPECT_EQ(ShaPerfectHash(u"x", -1), 0U);
+    EXPECT_EQ(RSHash(u"x", -1), 0U);
+    EXPECT_EQ(JenkinsHash(u"x", -1), 0U);
 }
 
 TEST(dictionary, sizes_follow_the_wanted_capacity)

@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/foundation/hash.h>
 
+#include <algorithm>
 #include <array>
 
 namespace ht {
 
 namespace {
 
-template <class Unit> std::uint32_t Jenkins(const Unit* src, std::int32_t length) noexcept
+template <class Unit> std::uint32_t Jenkins(const Unit* src, std::size_t length) noexcept
 {
     std::uint32_t h = 0;
     for (; length > 0; --length, ++src) {
@@ -19,7 +20,7 @@ template <class Unit> std::uint32_t Jenkins(const Unit* src, std::int32_t length
     return (y ^ (y >> 11)) * 32769U;
 }
 
-constexpr std::int32_t kWeights = 32;
+constexpr std::size_t kWeights = 32;
 
 constexpr std::uint32_t InverseOf(std::uint32_t odd)
 {
@@ -50,18 +51,16 @@ struct RSTable {
 
 constexpr RSTable kRSTable;
 
-template <class Fold> std::uint32_t RSHashFolded(const char16_t* src, std::int32_t length, Fold fold) noexcept
+template <class Fold> std::uint32_t RSHashFolded(std::u16string_view text, Fold fold) noexcept
 {
-    if (length < 1)
-        return 0;
-    const std::int32_t head = length < kWeights ? length : kWeights;
+    const std::size_t head = std::min(text.size(), kWeights);
     std::uint32_t sum = 0;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(head); ++i)
-        sum += std::uint32_t{fold(src[i])} * kRSTable.Weight[i];
-    std::uint32_t h = sum * kRSTable.Product[static_cast<std::size_t>(head)];
+    for (std::size_t i = 0; i < head; ++i)
+        sum += std::uint32_t{fold(text[i])} * kRSTable.Weight[i];
+    std::uint32_t h = sum * kRSTable.Product[head];
     std::uint32_t factor = kRSTable.NextFactor;
-    for (std::int32_t i = head; i < length; ++i) {
-        h = h * factor + fold(src[i]);
+    for (std::size_t i = head; i < text.size(); ++i) {
+        h = h * factor + fold(text[i]);
         factor *= RSHasher::kFactorStep;
     }
     return h;
@@ -72,46 +71,41 @@ constexpr char16_t KeepCase(char16_t c) noexcept
     return c;
 }
 
-std::int32_t LengthOf(std::size_t size) noexcept
-{
-    return static_cast<std::int32_t>(size);
-}
-
 }
 
 std::uint32_t JenkinsHash(const char16_t* src, std::int32_t length) noexcept
 {
-    return Jenkins(src, length);
+    return Jenkins(src, detail::HashedLength(length));
 }
 
 std::uint32_t JenkinsHash(std::u16string_view text) noexcept
 {
-    return Jenkins(text.data(), LengthOf(text.size()));
+    return Jenkins(text.data(), text.size());
 }
 
 std::uint32_t JenkinsHashANSI(const char* src, std::int32_t length) noexcept
 {
-    return Jenkins(reinterpret_cast<const unsigned char*>(src), length);
+    return Jenkins(reinterpret_cast<const unsigned char*>(src), detail::HashedLength(length));
 }
 
 std::uint32_t JenkinsHashANSI(std::string_view bytes) noexcept
 {
-    return JenkinsHashANSI(bytes.data(), LengthOf(bytes.size()));
+    return Jenkins(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
 std::uint32_t RSHash(const char16_t* src, std::int32_t length) noexcept
 {
-    return RSHashFolded(src, length, KeepCase);
+    return RSHashFolded({src, detail::HashedLength(length)}, KeepCase);
 }
 
 std::uint32_t RSHash(std::u16string_view text) noexcept
 {
-    return RSHashFolded(text.data(), LengthOf(text.size()), KeepCase);
+    return RSHashFolded(text, KeepCase);
 }
 
 std::uint32_t RSHashLower(std::u16string_view text) noexcept
 {
-    return RSHashFolded(text.data(), LengthOf(text.size()), FoldAscii);
+    return RSHashFolded(text, FoldAscii);
 }
 
 }

@@ -4,6 +4,7 @@
 
 #include <hearth/runtime/text.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -18,8 +19,14 @@ inline constexpr std::uint32_t kShaFactor = 1041204193U;
 inline constexpr std::uint32_t kShaAddend = 1507220783U;
 inline constexpr std::uint32_t kShaFinish = 0x90C03487U;
 
+/// Nothing is hashed for a length below 1.
+constexpr std::size_t HashedLength(std::int32_t length) noexcept
+{
+    return length < 1 ? 0 : static_cast<std::size_t>(length);
+}
+
 /// Four steps of h * factor + c + addend at once: the four products do not wait for each other.
-template <class Unit> inline std::uint32_t ShaHash(const Unit* src, std::int32_t length) noexcept
+template <class Unit> inline std::uint32_t ShaHash(const Unit* src, std::size_t length) noexcept
 {
     constexpr std::uint32_t kFactor2 = kShaFactor * kShaFactor;
     constexpr std::uint32_t kFactor3 = kFactor2 * kShaFactor;
@@ -41,27 +48,27 @@ template <class Unit> inline std::uint32_t ShaHash(const Unit* src, std::int32_t
 /// The default hash of the dictionaries; 0 for a length below 1.
 inline std::uint32_t ShaPerfectHash(const char16_t* src, std::int32_t length) noexcept
 {
-    return detail::ShaHash(src, length);
+    return detail::ShaHash(src, detail::HashedLength(length));
 }
-inline std::uint32_t ShaPerfectHash(std::u16string_view text)
+inline std::uint32_t ShaPerfectHash(std::u16string_view text) noexcept
 {
-    return ShaPerfectHash(text.data(), static_cast<std::int32_t>(text.size()));
+    return detail::ShaHash(text.data(), text.size());
 }
 
 /// The same function under the name that the pointer dictionaries use.
 inline std::uint32_t ShaPerfectHashAsm(const char16_t* src, std::int32_t length) noexcept
 {
-    return detail::ShaHash(src, length);
+    return detail::ShaHash(src, detail::HashedLength(length));
 }
 
 /// ShaPerfectHash over bytes.
 inline std::uint32_t ShaPerfectHashANSI(const char* src, std::int32_t length) noexcept
 {
-    return detail::ShaHash(reinterpret_cast<const unsigned char*>(src), length);
+    return detail::ShaHash(reinterpret_cast<const unsigned char*>(src), detail::HashedLength(length));
 }
-inline std::uint32_t ShaPerfectHashANSI(std::string_view bytes)
+inline std::uint32_t ShaPerfectHashANSI(std::string_view bytes) noexcept
 {
-    return ShaPerfectHashANSI(bytes.data(), static_cast<std::int32_t>(bytes.size()));
+    return detail::ShaHash(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
 /// One-at-a-time hash; 0 for a length below 1.

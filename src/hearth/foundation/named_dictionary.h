@@ -23,7 +23,7 @@ constexpr std::int32_t HtClassFieldOffset(std::int32_t offset) noexcept
 template <class T, class Field> std::int32_t HtClassFieldOffset(Field T::*field)
 {
     if constexpr (sizeof field == sizeof(std::int64_t))
-        return static_cast<std::int32_t>(std::bit_cast<std::int64_t>(field));
+        return CheckedCast<std::int32_t>(std::bit_cast<std::int64_t>(field));
     else
         return std::bit_cast<std::int32_t>(field);
 }
@@ -44,7 +44,7 @@ public:
     using Value = V;
 
     std::int32_t Count() const noexcept { return FTable.Count(); }
-    /// Number of slots, a power of two.
+    /// Number of slots, a power of two up to 2^30.
     std::int32_t SlotCount() const noexcept { return static_cast<std::int32_t>(FTable.SlotCount()); }
     /// The value of a slot that a search or an addition returned; null for an empty slot. Throws ERangeError.
     V ValueAt(std::int32_t slot) const
@@ -127,8 +127,7 @@ public:
     THtStringHashFunc HashFunc() const noexcept { return FHashFunc; }
     std::uint32_t HashOf(std::u16string_view name) const
     {
-        const auto length = static_cast<std::int32_t>(name.size());
-        return FDefaultHash ? ShaPerfectHash(name.data(), length) : FHashFunc(name.data(), length);
+        return FDefaultHash ? ShaPerfectHash(name) : FHashFunc(name.data(), CheckedLength(name.size()));
     }
 
     /// False and null for an absent name.
