@@ -278,33 +278,46 @@ TEST(fast_raw_string, utf8_joins_surrogates_in_any_order)
 
 TEST(fast_string_list, finds_words_by_pointer_and_length)
 {
-    struct Flagged : TObject {
-        explicit Flagged(bool& freed)
+    TFastStringList list;
+    for (const char* word : {"a", "ab", "abc", "b", "ba", "z"})
+        list.Add(String::FromLatin1(word));
+    const std::u16string_view text = u"abcd ba";
+    struct {
+        std::size_t start;
+        std::int32_t length;
+        std::int32_t index;
+    } const rows[] = {
+        {0, 1, 0}, {0, 2, 1}, {0, 3, 2}, {0, 4, -7}, {5, 2, 4}, {3, 1, -7}, {0, 0, -7}, {0, -1, -7}};
+    for (const auto& row : rows) {
+        std::int32_t index = -7;
+        EXPECT_EQ(list.FindPChar(text.data() + row.start, row.length, index), row.index >= 0);
+        EXPECT_EQ(index, row.index) << "a miss leaves the index";
+    }
+}
+
+TEST(fast_string_list, frees_each_object_once_whoever_owns_it)
+{
+    struct Counted : TObject {
+        explicit Counted(int& freed)
             : Freed(freed)
         {
         }
-        ~Flagged() override { Freed = true; }
-        bool& Freed;
+        ~Counted() override { ++Freed; }
+        int& Freed;
     };
-    bool freed = false;
-    {
-        TFastStringList list;
-        list.OwnsObjects = true;
-        for (const char* word : {"a", "ab", "abc", "b", "ba", "z"})
-            list.Add(String::FromLatin1(word));
-        list.SetObjects(3, new Flagged(freed));
-        const std::u16string_view text = u"abcd ba";
-        struct {
-            std::size_t start;
-            std::int32_t length;
-            std::int32_t index;
-        } const rows[] = {
-            {0, 1, 0}, {0, 2, 1}, {0, 3, 2}, {0, 4, -7}, {5, 2, 4}, {3, 1, -7}, {0, 0, -7}, {0, -1, -7}};
-        for (const auto& row : rows) {
-            std::int32_t index = -7;
-            EXPECT_EQ(list.FindPChar(text.data() + row.start, row.length, index), row.index >= 0);
-            EXPECT_EQ(index, row.index) << "a miss leaves the index";
+    struct {
+        bool list;
+        bool base;
+    } const rows[] = {{true, false}, {false, true}, {true, true}};
+    for (const auto& row : rows) {
+        int freed = 0;
+        {
+            TFastStringList list;
+            list.OwnsObjects = row.list;
+            list.SetOwnsObjects(row.base);
+            list.AddObject(u"a"_s, new Counted(freed));
+            list.AddObject(u"b"_s, new Counted(freed));
         }
+        EXPECT_EQ(freed, 2) << row.list << row.base;
     }
-    EXPECT_TRUE(freed);
 }

@@ -21,7 +21,9 @@ public:
     /// Frees the attached objects and empties the list.
     void FreeListObjects();
 
-    bool OwnsObjects = false; // the destructor frees the attached objects
+    /// The destructor frees the attached objects. Hides the property of the base, whose ownership also frees
+    /// what Delete and Clear drop; where both are set, each object is freed once.
+    bool OwnsObjects = false;
 };
 
 }
