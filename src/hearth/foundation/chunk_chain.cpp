@@ -5,6 +5,7 @@
 #include <hearth/runtime/memory.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <string>
@@ -76,10 +77,13 @@ template <class Unit> Unit* ChunkChain<Unit>::AddSpace(std::int32_t n)
     return static_cast<Unit*>(node->Data);
 }
 
-template <class Unit> void ChunkChain<Unit>::AppendBlock(const Unit* src, std::int32_t n)
+template <class Unit> void ChunkChain<Unit>::AppendElsewhere(const Unit* src, std::size_t n)
 {
-    std::memcpy(Reserve(n), src, static_cast<std::size_t>(n) * sizeof(Unit));
-    Commit(n);
+    if (n == 0)
+        return;
+    const std::int32_t length = CheckedLength(n);
+    std::memcpy(AddSpace(length), src, n * sizeof(Unit));
+    Commit(length);
 }
 
 template <class Unit> void ChunkChain<Unit>::AppendSpaces(std::int32_t count)

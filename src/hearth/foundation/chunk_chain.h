@@ -5,8 +5,8 @@
 #include <hearth/runtime/checked.h>
 #include <hearth/runtime/object.h>
 
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 namespace ht {
@@ -63,27 +63,27 @@ protected:
     Unit* AddSpace(std::int32_t n);
 
     /// Appends with direct stores up to four units: most pieces of markup are that short.
-    void Append(const Unit* src, std::int32_t n)
+    void Append(const Unit* src, std::size_t n)
     {
-        if (n > 4) {
-            AppendBlock(src, n);
+        TFSNode& node = *FCurrent;
+        // One question for both: is the piece empty, and does it not fit?
+        if (n - 1 >= static_cast<std::size_t>(node.Size - node.Len)) [[unlikely]] {
+            AppendElsewhere(src, n);
             return;
         }
-        Unit* const to = Reserve(n);
-        to[0] = src[0];
-        if (n > 1) {
+        Unit* const to = static_cast<Unit*>(node.Data) + node.Len;
+        if (n > 4) {
+            std::char_traits<Unit>::copy(to, src, n);
+        } else {
+            // For each length from 1 to 4 these are all its units, some of them twice.
+            to[0] = src[0];
+            to[n >> 2U] = src[n >> 2U];
+            to[n >> 1U] = src[n >> 1U];
             to[n - 1] = src[n - 1];
-            to[n / 2] = src[n / 2];
-            to[1] = src[1];
         }
-        Commit(n);
+        node.Len += static_cast<std::int32_t>(n);
     }
-    void AppendBlock(const Unit* src, std::int32_t n);
-    void Append(View s)
-    {
-        if (!s.empty())
-            Append(s.data(), CheckedLength(s.size()));
-    }
+    void Append(View s) { Append(s.data(), s.size()); }
     void AppendOne(Unit c)
     {
         *Reserve(1) = c;
@@ -97,6 +97,8 @@ protected:
         Commit(2);
     }
     void AppendSpaces(std::int32_t count);
+    /// Appends in a new chunk; nothing for a length of 0.
+    void AppendElsewhere(const Unit* src, std::size_t n);
 
     static View TextOf(const TFSNode& node) noexcept
     {

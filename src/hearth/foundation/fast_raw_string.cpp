@@ -4,6 +4,7 @@
 
 #include <hearth/foundation/number_format_p.h>
 
+#include <cstring>
 #include <iterator>
 
 namespace ht {

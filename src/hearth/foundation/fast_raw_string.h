@@ -25,7 +25,7 @@ public:
     TFastRawString& Add(const void* src, std::int32_t length)
     {
         if (length > 0)
-            Append(static_cast<const char*>(src), length);
+            Append(static_cast<const char*>(src), static_cast<std::size_t>(length));
         return *this;
     }
     TFastRawString& AddChar(char c)

@@ -26,7 +26,7 @@ public:
     TFastString& Add(const char16_t* src, std::int32_t length)
     {
         if (length > 0)
-            Append(src, length);
+            Append(src, static_cast<std::size_t>(length));
         return *this;
     }
     /// Decimal; throws EIntOverflow for the lowest value of the type.
