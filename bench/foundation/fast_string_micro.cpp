@@ -77,7 +77,7 @@ void AppendStandard(benchmark::State& state)
 
 int main(int argc, char** argv)
 {
-    constexpr std::int64_t kPieces = 20000;
+    constexpr std::int64_t kPieces = 80000; // fewer, and the processor learns their lengths by heart
     bench::AddRow("pieces appended", "hearth", kPieces, Append);
     bench::AddRow("pieces appended", "std", kPieces, AppendStandard);
     bench::AddRow("pieces assembled", "hearth", kPieces, Assemble);
