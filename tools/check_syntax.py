@@ -22,7 +22,8 @@ def syntax_command(entry):
 
 def look_at(entry):
     done = subprocess.run(syntax_command(entry), cwd=entry["directory"], capture_output=True, text=True, check=False)
-    return done.returncode, done.stderr
+    crashed = done.returncode != 0 and "error:" not in done.stderr
+    return done.returncode, done.stderr + (f"{entry['file']}: clang++ itself failed\n" if crashed else "")
 
 
 def main():
