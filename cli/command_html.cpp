@@ -79,7 +79,7 @@ void Run(const HtmlOptions& options)
         [&](const Form& candidate) { return options.As == candidate.Name; });
     if (options.Fragment) {
         ht::THtmlNode body(u"body"_s);
-        body.SetInnerHTML(page.Text);
+        body.ParseFragment(page.Text, page.Decoded);
         return options.Output.WriteText(form->Print(body, options.Indent));
     }
     ht::THtmlNode root;

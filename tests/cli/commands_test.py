@@ -38,6 +38,8 @@ PRINTED = [
     ("the forms", TEXT, b"<b>a</b> <i>b</i>", "a b\n"),
     ("a fragment has no document around it", (*FRAGMENT, "--as", "tree"), b"<td>a</td>b",
      '<body>\n  <td>\n    "a"\n  "b"\n'),
+    ("a fragment's encoding is not guessed either", (*FRAGMENT, "--encoding", "utf-8"),
+     "<meta charset=windows-1251>é 日本".encode(), '<body><meta charset="windows-1251"/>é 日本</body>\n'),
     ("no second line end", TEXT, b"<pre>a\n</pre>\n", "a\n\n"),
     ("a tree quotes what JSON quotes", (*FRAGMENT, "--as", "tree"), b'<a t=\'"\\\n\t\x01\'><!--c--><?d?>',
      '<body>\n  <a t="\\"\\\\\\n\\t\\u0001">\n    #comment "c"\n    #directive "d"\n'),

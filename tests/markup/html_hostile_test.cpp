@@ -242,6 +242,15 @@ std::vector<std::u16string> CollidingNames(std::size_t count)
     return names;
 }
 
+TEST(html_hostile, equals_signs_repeat_a_long_piece_a_few_times_only)
+{
+    ExpectLinear(200'000 / kScale, [](std::size_t size) {
+        THtmlNode root;
+        root.Parse(String(u"<p a=" + std::u16string(size, u'b') + std::u16string(size, u'=') + u">c"));
+        EXPECT_EQ(root.FirstChild()->GetAttribute(u"a").size(), 17 * size);
+    });
+}
+
 TEST(html_hostile, tag_names_that_share_one_hash_cost_what_others_cost)
 {
     const std::vector<std::u16string> names = CollidingNames(100'000 / kScale);
@@ -395,6 +404,19 @@ std::vector<std::string> SuiteTexts(const std::filesystem::path& folder)
     return texts;
 }
 
+/// Parses a text, and what is printed of it.
+void ParseTwice(const String& text)
+{
+    THtmlNode root;
+    root.Parse(text);
+    const String html = root.OuterHTML();
+    ASSERT_NO_FATAL_FAILURE(ExpectLinked(root)) << text.ToUtf8();
+    ASSERT_LE(Depth(root), 300);
+    THtmlNode fragment(u"td"_s);
+    fragment.SetInnerHTML(html);
+    fragment.InnerText();
+}
+
 TEST(html_hostile, every_beginning_of_the_public_texts_gives_a_tree)
 {
     const std::filesystem::path folder =
@@ -407,19 +429,50 @@ TEST(html_hostile, every_beginning_of_the_public_texts_gives_a_tree)
     for (const std::string& bytes : SuiteTexts(folder)) {
         const String text = String::FromUtf8(bytes);
         const std::int32_t stride = text.Length() > kAllBeginnings ? kStride : 1;
-        for (std::int32_t length = 0; length <= text.Length(); length += stride) {
-            THtmlNode root;
-            root.Parse(text.Substring(0, length));
-            const String html = root.OuterHTML();
-            ASSERT_NO_FATAL_FAILURE(ExpectLinked(root)) << bytes;
-            ASSERT_LE(Depth(root), 300);
-            THtmlNode fragment(u"td"_s);
-            fragment.SetInnerHTML(html);
-            fragment.InnerText();
-            ++parsed;
-        }
+        for (std::int32_t length = 0; length <= text.Length(); length += stride, ++parsed)
+            ASSERT_NO_FATAL_FAILURE(ParseTwice(text.Substring(0, length)));
     }
     EXPECT_GT(parsed, 20'000);
+}
+
+// --- Real pages, cut anywhere.
+
+std::vector<std::string> Manuals()
+{
+    std::vector<std::string> pages;
+    for (const char* folder :
+        {"/usr/share/doc/python3.11/html/library", "/usr/share/doc/postgresql-doc-15/html"}) {
+        if (!std::filesystem::is_directory(folder))
+            continue;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            if (entry.path().extension() == ".html") {
+                std::ifstream file(entry.path(), std::ios::binary);
+                pages.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+            }
+        }
+    }
+    std::sort(pages.begin(), pages.end());
+    return pages;
+}
+
+TEST(html_hostile, real_pages_may_be_cut_anywhere)
+{
+    const std::vector<std::string> pages = Manuals();
+    if (pages.empty())
+        GTEST_SKIP() << "no manuals in HTML are installed here";
+    constexpr std::size_t kPages = 20;
+    constexpr std::size_t kBeginning = 4096;
+    for (std::size_t i = 0; i < kPages; ++i) {
+        const std::string& page = pages[i * pages.size() / kPages];
+        for (std::size_t length = 0; length <= std::min(kBeginning, page.size()); length += kScale)
+            ASSERT_NO_FATAL_FAILURE(ParseTwice(String::FromUtf8(page.substr(0, length))));
+    }
+    std::mt19937 random(17);
+    for (int cut = 0; cut < 1'000; ++cut) {
+        const std::string& page = pages[random() % pages.size()];
+        const std::size_t from = random() % page.size();
+        ASSERT_NO_FATAL_FAILURE(ParseTwice(String::FromUtf8(page.substr(from, random() % (4 * kBeginning)))));
+    }
 }
 
 }

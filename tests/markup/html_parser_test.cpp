@@ -6,6 +6,7 @@
 #include <markup/trees.h>
 
 #include <fstream>
+#include <random>
 
 namespace {
 
@@ -30,6 +31,8 @@ TEST(html_parser, attribute_values)
         {u"<p a='' b=\"\">", R"(<body>{<p a="" b="">})"},
         {u"<p a <!--x--> = <!--y--> b>", R"(<body>{<p a="b">})"},
         {u"<p a=<?x?> b>", R"(<body>{<p a="b">})"},
+        {u"<p a=<?x?>/>b", R"(<body>{<p> "b"})"},
+        {u"<p a=<?x?>/b>", R"(<body>{<p b="b">})"},
         {u"<p a==b>", R"(<body>{<p b="b">})"},
         {u"<p =a>", R"(<body>{<p a="a">})"},
         {u"<p \"a\" 'b>", R"(<body>{<p a="a" b="b">})"},
@@ -238,6 +241,57 @@ TEST(html_parser, of_two_attributes_the_first_stays_however_each_is_read)
     THtmlParser parser(u"<a foo='1' foo='2'>"_s);
     ASSERT_TRUE(parser.NextItem());
     EXPECT_EQ(parser.Attributes()->GetAttribute(u"foo"), u"1"_s);
+}
+
+TEST(html_parser, case_of_attribute_names_can_change_on_the_way)
+{
+    THtmlParser parser(u"<p AB=1><p AB=2 ab=3>"_s);
+    parser.SetCaseSensitive(true);
+    ASSERT_TRUE(parser.NextItem());
+    EXPECT_EQ(parser.Attributes()->AsString(), u"AB=\"1\""_s);
+    parser.SetCaseSensitive(false);
+    ASSERT_TRUE(parser.NextItem());
+    EXPECT_EQ(parser.Attributes()->AsString(), u"ab=\"2\""_s);
+}
+
+TEST(html_parser, the_last_text_of_a_broken_tag_decides_where_a_raw_body_ends)
+{
+    ExpectTrees({
+        {u"<script <p>a</p><p>b</p>", R"(<body>{<script> "a" <p>{"b"}})"},
+        {u"<style\n<p>a</p><p>b</p></style>c", R"(<body>{<style> "a" <p>{"b"} "c"})"},
+        {u"<script src=/x id=\"script\" class=\"z\"><i>a</i></script>b",
+            R"(<body>{<script class="z" id="script" src="/x"> = "a" "b"})"},
+        {u"<script c=\"script\"class=\"\"<b>", "<body>"},
+        // An empty "<!" brings the text in front of it once more.
+        {u"<p>a<!", R"(<body>{<p>{"a" "a"}})"},
+        {u"<i b=c><p>a<!", R"(<body>{<i b="c">{<p>{"a" "a"}}})"},
+    });
+}
+
+/// Capitals lead names past the short cuts of the reader, and fold to the same.
+TEST(html_parser, short_cuts_read_what_the_long_way_reads)
+{
+    constexpr std::u16string_view kNames[] = {u"<p", u"</p", u"<script", u"</script", u"<style", u"<b",
+        u"</b", u"<section", u"<meta", u" a", u"\nclass", u" href", u"id", u"<h1", u"<unknown-name",
+        u" unknownname"};
+    constexpr std::u16string_view kOthers[] = {u">", u">", u">", u"=\"x\"", u"='script'", u"=\"\"", u"=y",
+        u"/", u"/>", u" ", u"  \t", u"text", u"<!", u"<!-- c -->", u"<?d?>", u"&amp;", u"<", u"=", u"'",
+        u"\"", u"\u00E9", std::u16string_view(u"\0", 1), u"\x01"};
+    std::mt19937 random(4);
+    for (int round = 0; round < 20'000; ++round) {
+        std::u16string lower;
+        std::u16string capitals;
+        for (std::size_t count = random() % 16; count > 0; --count) {
+            const bool isName = random() % 2 == 0;
+            const auto piece =
+                isName ? kNames[random() % std::size(kNames)] : kOthers[random() % std::size(kOthers)];
+            lower += piece;
+            capitals += isName ? String(piece).ToUpperAscii().View() : piece;
+        }
+        // Names also end up in texts and values, where they keep their case.
+        const String quick = String::FromUtf8(ParsedTree(lower)).ToLowerAscii();
+        ASSERT_EQ(quick, String::FromUtf8(ParsedTree(capitals)).ToLowerAscii()) << String(lower).ToUtf8();
+    }
 }
 
 TEST(html_parser, files_tell_their_encoding_by_their_first_bytes)

@@ -83,6 +83,8 @@ public:
 
     /// The readable text of a document.
     static String HTMLtoText(const String& HTML);
+    /// SetInnerHTML with the switch of Parse, for text that was decoded already.
+    void ParseFragment(const String& HTML, bool AIgnoreMetaEncoding);
     /// Sets the attributes that stand in `s` as in a tag.
     void ParseAttributes(const String& s);
     /// Decodes contents and attributes of the subtree anew, as after reading them one unit a byte.

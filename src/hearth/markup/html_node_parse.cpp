@@ -51,10 +51,16 @@ void THtmlNode::Parse(const String& HTML, bool AIgnoreMetaEncoding)
 
 void THtmlNode::SetInnerHTML(const String& s)
 {
+    ParseFragment(s, false);
+}
+
+void THtmlNode::ParseFragment(const String& HTML, bool AIgnoreMetaEncoding)
+{
     DeleteAllChildren();
     const std::u16string_view tag = FTagId == tags::kTable ? u"tbody" : u"div";
     THtmlNode& wrapper = AddWrapper();
-    THtmlParser parser(Concat({u"<", tag, u">", s, u"</", tag, u">"}));
+    THtmlParser parser(Concat({u"<", tag, u">", HTML, u"</", tag, u">"}));
+    parser.IgnoreMetaEncoding = AIgnoreMetaEncoding;
     SetScope(parser, wrapper);
     const auto* document = As<THtmlNode>(static_cast<const THtNode*>(parser.GlobalRoot));
     parser.SetCaseSensitive(document && !document->QuirksMode());

@@ -90,14 +90,12 @@ bool THtmlParser::ReadOtherItem()
 {
     if (!Tag.IsEmpty())
         Tag = THtTagName();
-    if (FTokenizer.ReadPlainText(Value))
+    if (FTokenizer.ReadPlainText())
         return SetTextItem();
     bool more = FTokenizer.NextToken(true);
     while (more) {
-        if (IsTextItem(FTokenizer.Type())) {
-            Value = FTokenizer.Token().Name;
+        if (IsTextItem(FTokenizer.Type()))
             return SetTextItem();
-        }
         if (FTokenizer.Type() != htTagStart) {
             more = FTokenizer.NextToken(true);
             continue;
@@ -115,6 +113,7 @@ bool THtmlParser::ReadOtherItem()
 bool THtmlParser::SetTextItem()
 {
     TagType = FTokenizer.Type();
+    Value = FTokenizer.Token().Name;
     TagClosed = true;
     StartPos = FTokenizer.Token().StartPos;
     return true;

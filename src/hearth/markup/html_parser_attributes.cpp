@@ -5,12 +5,29 @@
 #include <hearth/markup/html_tokenizer_plain_p.h>
 #include <hearth/runtime/text_format.h>
 
+#include <string>
+
 namespace ht {
 
 namespace {
 
 /// Longer names are rarely repeated and stay out of the table.
 constexpr std::int32_t kMaxInternedName = 15;
+
+/// A run of "=" repeats the piece in front of it no more often than this, so that a value stays in
+/// proportion to what was read.
+constexpr int kMaxRepeatedPieces = 16;
+
+bool IsPassedOver(THTMLTokenType type)
+{
+    return type == htSpace || type == htComment || type == htDirective;
+}
+
+/// Tokens that leave the text of the token in front of them standing.
+bool KeepsTextBefore(THTMLTokenType type)
+{
+    return type == htEq || type == htTagStart || type == htCustom;
+}
 
 bool EndsUnquotedValue(THTMLTokenType type)
 {
@@ -22,12 +39,11 @@ bool EndsUnquotedValue(THTMLTokenType type)
 /// Takes the attributes that are written plainly, then reads the next token.
 bool THtmlParser::NextInTag()
 {
-    const THtNameRec* name = nullptr;
-    String value;
     while (!FTokenizer.ReadPlainTagEnd()) {
-        if (IsCloseTag || !FTokenizer.ReadPlainAttribute(name, value))
+        const THtNameRec* name = IsCloseTag ? nullptr : FTokenizer.ReadPlainAttribute();
+        if (!name)
             return FTokenizer.NextToken(false);
-        FAttributes.AddNew(name->Value, std::move(value));
+        FAttributes.AddNew(name->Value, FTokenizer.Token().Name);
     }
     return true;
 }
@@ -83,8 +99,7 @@ bool THtmlParser::ReadAttributes()
 bool THtmlParser::NextAttributePart()
 {
     while (FTokenizer.NextToken(false)) {
-        const THTMLTokenType type = FTokenizer.Type();
-        if (type != htSpace && type != htComment && type != htDirective)
+        if (!IsPassedOver(FTokenizer.Type()))
             return true;
     }
     return false;
@@ -94,9 +109,7 @@ bool THtmlParser::NextAttributePart()
 bool THtmlParser::NextAttributeValue()
 {
     while (FTokenizer.NextToken(true)) {
-        const THTMLTokenType type = FTokenizer.Type();
-        const bool passed = type == htSpace || type == htComment || (!FXMLMode && type == htDirective);
-        if (!passed)
+        if (FTokenizer.Type() != htSpace && FTokenizer.Type() != htComment)
             return true;
     }
     return false;
@@ -107,7 +120,8 @@ bool THtmlParser::NextAttributeValue()
 String THtmlParser::AttributeName()
 {
     const String& name = FTokenizer.Token().Name;
-    if (FTokenizer.NameRecord())
+    const THtNameRec* record = FTokenizer.NameRecord();
+    if (record && (FCaseSensitive || record->IsLower))
         return name;
     const bool keepsCase = FCaseSensitive || name.View().find(u'{') != std::u16string_view::npos;
     const String folded = keepsCase ? name : name.ToLowerAscii();
@@ -139,6 +153,11 @@ bool THtmlParser::ReadAttributeValue(const String& name)
         value = u"/"_s;
         if (!FTokenizer.NextToken(false))
             return false;
+    } else {
+        while (IsPassedOver(FTokenizer.Type())) {
+            if (!FTokenizer.NextToken(true))
+                return false;
+        }
     }
     const bool quoted = FTokenizer.Type() == htString;
     if (!quoted && FTokenizer.Type() != htIdent)
@@ -157,15 +176,23 @@ bool THtmlParser::ReadAttributeValue(const String& name)
 /// more: its token has no text of its own, so `a=b` reads as "aab".
 bool THtmlParser::ReadUnquotedValue(String& value)
 {
-    while (FTokenizer.NextToken(false)) {
-        if (EndsUnquotedValue(FTokenizer.Type()))
-            return true;
-        if (FTokenizer.Type() == htTagClose)
-            value += u'/';
-        else
-            value += FTokenizer.Token().Name;
+    std::u16string joined;
+    int repeats = 0;
+    bool more = FTokenizer.NextToken(false);
+    for (; more && !EndsUnquotedValue(FTokenizer.Type()); more = FTokenizer.NextToken(false)) {
+        if (joined.empty())
+            joined = value;
+        if (FTokenizer.Type() == htTagClose) {
+            joined += u'/';
+            continue;
+        }
+        repeats = KeepsTextBefore(FTokenizer.Type()) ? repeats + 1 : 0;
+        if (repeats <= kMaxRepeatedPieces)
+            joined += FTokenizer.Token().Name.View();
     }
-    return false;
+    if (!joined.empty())
+        value = String(joined);
+    return more;
 }
 
 void THtmlParser::StoreAttribute(const String& name, const String& value, TDuplicateAttribute duplicate)

@@ -60,12 +60,13 @@ private:
     TTagHead ReadTagHead(bool& isCloseTag);
     /// Reads the text behind a tag, as NextToken would. False, with nothing read, where something else
     /// stands.
-    bool ReadPlainText(String& text);
+    bool ReadPlainText();
     /// Reads the ">" of a tag without a body, as NextToken would.
     bool ReadPlainTagEnd() noexcept;
     /// Reads blanks, a known attribute name, "=" and a quoted value in one step, as NextToken(false) and
-    /// three calls more would. False, with nothing read, where something else stands.
-    bool ReadPlainAttribute(const THtNameRec*& name, String& value);
+    /// three calls more would, and leaves the value in the token. Null, with nothing read, where something
+    /// else stands.
+    const THtNameRec* ReadPlainAttribute();
     TTagHead ReadShortTagHead(const char16_t* name, bool closes);
     TTagHead ReadLongTagHead(const char16_t* name, bool closes);
     const THtNameRec* FindAttribute(const char16_t*& p) const;

@@ -24,8 +24,7 @@ inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadTagHead(bool& isCloseTag)
     return head != thNone ? head : ReadLongTagHead(name, closes);
 }
 
-/// A known short name that a ">" or a blank ends: most tags are written so. The token's text is left alone,
-/// the record says all.
+/// A known short name that a ">" or a blank ends: most tags are written so.
 inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t* name, bool closes)
 {
     if (FParser.pend - name < kShortNameUnits || !FTagNames)
@@ -38,6 +37,7 @@ inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t*
     if (!record)
         return thNone;
     FNameRecord = record;
+    FToken.Name = record->Value;
     FParser.p = end;
     FRawBody = closes || !record->ActsAtEnd ? rbNone : RawBodyOf(record->Id);
     if (!record->ActsAtEnd && ReadPlainTagEnd())
@@ -58,31 +58,32 @@ inline bool THTMLTokenizer::ReadPlainTagEnd() noexcept
     return true;
 }
 
-inline bool THTMLTokenizer::ReadPlainText(String& text)
+inline bool THTMLTokenizer::ReadPlainText()
 {
     if (FToken.CType != htTagEnd || FParser.Empty() || *FParser.p == u'<')
         return false;
     FToken.StartPos = FParser.Offset();
     FToken.CType = htString;
-    text = ReadUpTo(u'<');
+    FToken.Name = ReadUpTo(u'<');
     FToken.EndPos = FParser.Offset();
     return true;
 }
 
-inline bool THTMLTokenizer::ReadPlainAttribute(const THtNameRec*& name, String& value)
+inline const THtNameRec* THTMLTokenizer::ReadPlainAttribute()
 {
     const char16_t* p = FParser.p;
     if (ClassInTag(*p) == ccSpace) {
         while (p < FParser.pend && *p <= u' ')
             ++p;
     }
-    name = FAttributeNames ? FindAttribute(p) : nullptr;
-    if (!name)
-        return false;
+    const THtNameRec* name = FAttributeNames ? FindAttribute(p) : nullptr;
+    // A name in capitals may have to be folded.
+    if (!name || (!name->IsLower && !FCaseSensitive))
+        return nullptr;
     FParser.p = p;
     FToken.CType = htString;
-    value = ReadQuoted();
-    return true;
+    FToken.Name = ReadQuoted();
+    return name;
 }
 
 /// The record of a known name at `p` with "=" and a quote behind it, which `p` then points at; else null.
