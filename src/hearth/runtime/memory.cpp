@@ -1,14 +1,23 @@
-// The memory door over mimalloc, or over malloc where a tool must see every block.
+// The memory door: small blocks from pages of our own, others from mimalloc or malloc.
 // SPDX-License-Identifier: MIT
 #include <hearth/runtime/memory.h>
 
 #include <hearth/runtime/exceptions.h>
+#include <hearth/runtime/memory_heap_p.h>
+#include <hearth/runtime/memory_pool_p.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
 
 #if defined(HEARTH_MIMALLOC_SONAME)
 #include <dlfcn.h>
+#endif
+#if defined(HEARTH_OWN_PAGES)
+#include <pthread.h>
 #endif
 
 namespace ht::memory {
@@ -87,28 +96,164 @@ void* ReallocateFirst(void* block, std::size_t size)
     return Chosen().reallocate(block, size);
 }
 
+/// Apart, so that those who may throw need no frame.
+[[noreturn, gnu::noinline]] void ThrowOutOfMemory()
+{
+    throw EOutOfMemory();
+}
+
+void* AllocateBehind(std::size_t size)
+{
+    void* block = gAllocate.load(std::memory_order_acquire)(size ? size : 1);
+    if (!block) [[unlikely]]
+        ThrowOutOfMemory();
+    return block;
+}
+
+void* ReallocateBehind(void* block, std::size_t size)
+{
+    void* moved = gReallocate.load(std::memory_order_relaxed)(block, size ? size : 1);
+    if (!moved) [[unlikely]]
+        ThrowOutOfMemory();
+    return moved;
+}
+
+void FreeBehind(void* block) noexcept
+{
+    if (block)
+        gFree.load(std::memory_order_relaxed)(block);
+}
+
+}
+
+#if defined(HEARTH_OWN_PAGES)
+
+namespace {
+
+/// Never destroyed: threads and static objects free their blocks until the very end of the process.
+PagePool& Pool()
+{
+    alignas(PagePool) static std::byte room[sizeof(PagePool)];
+    static PagePool* const pool = [] {
+        auto* made = new (room) PagePool;
+        // The child of a fork has one thread, and finds the pool as no thread was changing it.
+        pthread_atfork([] { Pool().Lock(); }, [] { Pool().Unlock(); }, [] { Pool().Unlock(); });
+        return made;
+    }();
+    return *pool;
+}
+
+/// What a thread works with that has no heap, yet or any more: no block is in it, and none is its own.
+constinit PageHeap gNoHeap;
+
+#if defined(__ELF__)
+// One load in a shared library too, not a call.
+constinit thread_local PageHeap* tHeap [[gnu::tls_model("initial-exec")]] = &gNoHeap;
+#else
+constinit thread_local PageHeap* tHeap = &gNoHeap;
+#endif
+
+/// Parks the heap when its thread ends. What the thread allocates even later comes from the allocator behind.
+struct HeapHolder {
+    ~HeapHolder()
+    {
+        Ended = true;
+        PageHeap& heap = *std::exchange(tHeap, &gNoHeap);
+        heap.Collect();
+        Pool().Park(heap);
+    }
+    static thread_local bool Ended;
+};
+
+constinit thread_local bool HeapHolder::Ended = false;
+
+/// The heap of the thread; null when it can have none.
+PageHeap* OpenHeap()
+{
+    if (tHeap != &gNoHeap)
+        return tHeap;
+    PageHeap* heap = HeapHolder::Ended ? nullptr : Pool().TakeHeap();
+    if (heap) {
+        tHeap = heap;
+        [[maybe_unused]] static thread_local HeapHolder holder;
+    }
+    return heap;
+}
+
+[[gnu::noinline]] void* AllocateSlowly(std::size_t size)
+{
+    if (size <= PageHeap::kLargest) {
+        PageHeap* heap = OpenHeap();
+        void* block = heap ? heap->AllocateSlowly(size) : nullptr;
+        if (block)
+            return block;
+    }
+    return AllocateBehind(size);
+}
+
+[[gnu::noinline]] void* ReallocatePaged(void* block, std::size_t size)
+{
+    const std::size_t oldSize = PageHeap::BlockBytes(block);
+    if (size <= PageHeap::kLargest && PageHeap::RoundUp(size) == oldSize)
+        return block;
+    void* moved = Allocate(size);
+    std::memcpy(moved, block, std::min(size, oldSize));
+    Free(block);
+    return moved;
+}
+
 }
 
 void* Allocate(std::size_t size)
 {
-    void* block = gAllocate.load(std::memory_order_acquire)(size ? size : 1);
-    if (!block) [[unlikely]]
-        throw EOutOfMemory();
-    return block;
+    if (size <= PageHeap::kLargest) [[likely]] {
+        if (void* block = tHeap->AllocateAtOnce(size)) [[likely]]
+            return block;
+    }
+    return AllocateSlowly(size);
 }
 
 void* Reallocate(void* block, std::size_t size)
 {
-    void* moved = gReallocate.load(std::memory_order_relaxed)(block, size ? size : 1);
-    if (!moved) [[unlikely]]
-        throw EOutOfMemory();
-    return moved;
+    return Chunk::Holds(block) ? ReallocatePaged(block, size) : ReallocateBehind(block, size);
 }
 
 void Free(void* block) noexcept
 {
-    if (block)
-        gFree.load(std::memory_order_relaxed)(block);
+    if (!Chunk::Holds(block)) [[unlikely]]
+        return FreeBehind(block);
+    tHeap->Free(block);
+}
+
+const char* AllocatorName() noexcept
+{
+    return Chosen().collect ? "pages over mimalloc" : "pages over malloc";
+}
+
+void Collect() noexcept
+{
+    if (tHeap != &gNoHeap)
+        tHeap->Collect();
+    Pool().Collect();
+    if (Chosen().collect)
+        Chosen().collect(true);
+}
+
+#else
+
+void* Allocate(std::size_t size)
+{
+    return AllocateBehind(size);
+}
+
+void* Reallocate(void* block, std::size_t size)
+{
+    return ReallocateBehind(block, size);
+}
+
+void Free(void* block) noexcept
+{
+    FreeBehind(block);
 }
 
 const char* AllocatorName() noexcept
@@ -121,5 +266,7 @@ void Collect() noexcept
     if (Chosen().collect)
         Chosen().collect(true);
 }
+
+#endif
 
 }

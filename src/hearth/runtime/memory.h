@@ -14,13 +14,15 @@ HT_API void* Allocate(std::size_t size);
 /// Like Allocate, for a block that may have to move; its old contents are kept up to the smaller size.
 HT_API void* Reallocate(void* block, std::size_t size);
 
-/// Takes back what Allocate gave; null is allowed.
+/// Takes back what Allocate gave, on whatever thread; null is allowed.
 HT_API void Free(void* block) noexcept;
 
-/// Name of the allocator behind the door, for benchmarks: "mimalloc" or "malloc".
+/// Name of what stands behind the door, for benchmarks: "mimalloc" or "malloc", after "pages over " where
+/// small blocks come from pages of our own.
 HT_API const char* AllocatorName() noexcept;
 
-/// Gives freed memory back to the system where the allocator can.
+/// Gives freed memory back to the system where it can: what this thread holds, what ended threads left, and
+/// what belongs to no thread. Other threads see to their own.
 HT_API void Collect() noexcept;
 
 }
