@@ -47,6 +47,7 @@ public:
 
 private:
     Page* Pop() noexcept;
+    Chunk* MapChunk() noexcept;
     void AddChunk() noexcept;
     bool IsSpare(const Chunk& chunk, std::size_t keptPages) const noexcept;
     void Detach(Chunk& chunk) noexcept;
@@ -57,6 +58,7 @@ private:
     const std::size_t FKeptPages;
     Chunk* FChunks = nullptr;
     std::size_t FChunkCount = 0;
+    bool FHugePagesPay = true;
     PageHeap* FHeaps = nullptr;
     PageHeap* FIdle = nullptr;
 };
