@@ -215,6 +215,19 @@ Step DeepText(std::int64_t n)
     return [document] { static_cast<void>(document->GetInnerText()); };
 }
 
+/// Blanks in front of an end tag fill a chunk of their own, which the printer of indented markup takes back.
+Step BlanksBeforeEndTags(std::int64_t n)
+{
+    const auto document = std::make_shared<THtmlNode>();
+    const String block = ht::Concat({u"<div><b>x</b>", Repeat(u" ", 66'000), u"</div>"});
+    document->Parse(ht::Concat({u"<p>", Repeat(u"text ", 13'000 * n), u"</p>", Repeat(block, n)}));
+    return [document] {
+        bool afterBlock = false;
+        ht::TFastString text(65'500);
+        document->FastFormattedHTML(text, 0, 2, afterBlock);
+    };
+}
+
 Step HalfPairs(std::int64_t n)
 {
     const auto document = std::make_shared<THtmlNode>();
@@ -247,6 +260,7 @@ constexpr Row kRows[] = {
     {"images in table bodies", ImagesInTableBodies, 20'000},
     {"meta in the middle", MetaInTheMiddle, 200'000},
     {"deep text", DeepText, 300'000},
+    {"blanks in front of end tags", BlanksBeforeEndTags, 100},
     {"half pairs", HalfPairs, 500'000},
 };
 

@@ -57,7 +57,10 @@ TEST(fast_string, pieces_of_every_length_join)
     std::u16string model;
     for (int step = 0; step < 3000; ++step) {
         const std::u16string piece(random() % 9, static_cast<char16_t>(u'a' + step % 26));
-        switch (random() % 5) {
+        switch (random() % 6) {
+        case 5:
+            buffer.AddSpaces(static_cast<std::int32_t>(random() % 9)).TrimTrailingBlanks();
+            break;
         case 0:
             buffer.AddChar(u'-');
             model += u'-';
@@ -191,6 +194,19 @@ TEST(fast_string, trimming_an_empty_last_chunk_reaches_the_others)
     EXPECT_EQ(TextOf(buffer), "ab\t");
     buffer.TrimTrailingBlanks();
     EXPECT_EQ(TextOf(buffer), "ab");
+
+    TFastString front(4);
+    TFastString behind(4);
+    front.Prepend(u"a ");
+    for (const char16_t* piece : {u"    ", u"    ", u"    "})
+        behind.Add(piece);
+    front.Grab(behind);
+    EXPECT_EQ(front.LastChar(), u' ');
+    EXPECT_TRUE(front.EndsWith(u"a             ")) << "through all chunks, whoever made them";
+    EXPECT_FALSE(front.EndsWith(u"a            "));
+    front.TrimTrailingSpaces();
+    EXPECT_EQ(TextOf(front.Add(u"bcdef").AddChar(u'g')), "abcdefg");
+    EXPECT_EQ(behind.GetTotalLen(), 0);
 }
 
 TEST(fast_string, reading_from_a_position_keeps_its_count)

@@ -290,6 +290,20 @@ TEST(html_hostile, style_bodies_of_comment_marks)
     });
 }
 
+TEST(html_hostile, blanks_in_front_of_end_tags_are_cut_without_a_copy)
+{
+    constexpr std::int32_t kDelta = 6'550;
+    const String block = u"<div><b>x</b>"_s + Repeated(u" ", kDelta + 50) + u"</div>"_s;
+    ExpectLinear(100, [&block](std::size_t count) {
+        THtmlNode root;
+        root.Parse(u"<p>"_s + Repeated(u"text ", 1'300 * count) + u"</p>"_s + Repeated(block, count));
+        bool afterBlock = false;
+        TFastString formatted(kDelta);
+        root.FastFormattedHTML(formatted, 0, 0, afterBlock);
+        ASSERT_TRUE(formatted.EndsWith(u"</div>\r\n<div>\r\n<b>x</b>\r\n</div>"));
+    });
+}
+
 TEST(html_hostile, stray_end_tags_deep_inside)
 {
     constexpr std::size_t kCount = 1'000'000 / kScale;

@@ -15,6 +15,8 @@ namespace ht::detail {
 
 namespace {
 
+constexpr std::int32_t kMostUnits = std::numeric_limits<std::int32_t>::max();
+
 /// A node that was made for appending has its storage behind it in one block.
 void* StorageBehind(TFSNode* node) noexcept
 {
@@ -47,6 +49,18 @@ template <class Unit> void ChunkChain<Unit>::FreeBehindHead() noexcept
     FBefore = 0;
 }
 
+template <class Unit> void ChunkChain<Unit>::DropCurrent() noexcept
+{
+    const PFSNode dropped = FCurrent;
+    FCurrent = dropped->Previous;
+    FCurrent->Next = nullptr;
+    FBefore -= FCurrent->Len;
+    // More may stand in front of this chunk now than when it was made.
+    FCurrent->Size = std::min(FCurrent->Size, kMostUnits - FBefore);
+    FreeStorage(*dropped);
+    memory::Free(dropped);
+}
+
 template <class Unit> void ChunkChain<Unit>::Clear() noexcept
 {
     FreeBehindHead();
@@ -58,7 +72,7 @@ template <class Unit> Unit* ChunkChain<Unit>::AddSpace(std::int32_t n)
 {
     const std::int32_t before = CheckedAdd(FBefore, FCurrent->Len);
     // The whole chunk has to count in 32 bits, so that appending inside it needs no check.
-    const std::int32_t most = std::numeric_limits<std::int32_t>::max() - before;
+    const std::int32_t most = kMostUnits - before;
     if (n > most)
         RaiseIntOverflow();
     const std::int32_t size = std::max(n, std::min(FDelta, most));
@@ -70,7 +84,7 @@ template <class Unit> Unit* ChunkChain<Unit>::AddSpace(std::int32_t n)
     }
     const std::size_t bytes = CheckedMul(static_cast<std::size_t>(size), sizeof(Unit));
     auto* node = static_cast<PFSNode>(memory::Allocate(CheckedAdd(sizeof(TFSNode), bytes)));
-    *node = {StorageBehind(node), size, 0, nullptr};
+    *node = {StorageBehind(node), size, 0, nullptr, FCurrent};
     FCurrent->Next = node;
     FCurrent = node;
     FBefore = before;
@@ -111,22 +125,17 @@ void ChunkChain<Unit>::CopyTo(Unit* to, std::int32_t start, std::int32_t count) 
     }
 }
 
-template <class Unit> bool ChunkChain<Unit>::SameAt(std::int32_t start, View s) const noexcept
+template <class Unit> bool ChunkChain<Unit>::StartsWith(View s) const noexcept
 {
+    if (s.empty())
+        return false;
     for (const TFSNode* node = &FHead; node && !s.empty(); node = node->Next) {
-        const std::int32_t skipped = std::min(start, node->Len);
-        start -= skipped;
-        const View text = TextOf(*node).substr(static_cast<std::size_t>(skipped), s.size());
+        const View text = TextOf(*node).substr(0, s.size());
         if (!s.starts_with(text))
             return false;
         s.remove_prefix(text.size());
     }
     return s.empty();
-}
-
-template <class Unit> bool ChunkChain<Unit>::StartsWith(View s) const noexcept
-{
-    return !s.empty() && SameAt(0, s);
 }
 
 template <class Unit> std::int32_t ChunkChain<Unit>::PosOf(View s) const
@@ -154,9 +163,13 @@ template <class Unit> std::int32_t ChunkChain<Unit>::PosOf(View s) const
 
 /// A node with the four fields of a head, whose storage stays where it is. The byte behind the node keeps
 /// foreign storage from starting right there.
-template <class Unit> PFSNode ChunkChain<Unit>::NewNodeOfHead(const TFSNode& head)
+template <class Unit> PFSNode ChunkChain<Unit>::NewNodeOfHead(const TFSNode& head, PFSNode previous)
 {
-    return new (memory::Allocate(sizeof(TFSNode) + 1)) TFSNode(head);
+    const PFSNode node = new (memory::Allocate(sizeof(TFSNode) + 1)) TFSNode(head);
+    node->Previous = previous;
+    if (node->Next)
+        node->Next->Previous = node;
+    return node;
 }
 
 template <class Unit> void ChunkChain<Unit>::PutInFront(View s)
@@ -166,7 +179,7 @@ template <class Unit> void ChunkChain<Unit>::PutInFront(View s)
     Unit* const storage = NewStorage(length);
     PFSNode node = nullptr;
     try {
-        node = NewNodeOfHead(FHead);
+        node = NewNodeOfHead(FHead, &FHead);
     } catch (...) {
         memory::Free(storage);
         throw;
@@ -183,7 +196,7 @@ template <class Unit> void ChunkChain<Unit>::TakeChunks(ChunkChain& source)
 {
     const std::int32_t before = CheckedAdd(CheckedAdd(FBefore, FCurrent->Len), source.FBefore);
     CheckedAdd(before, source.FCurrent->Size);
-    const PFSNode node = NewNodeOfHead(source.FHead);
+    const PFSNode node = NewNodeOfHead(source.FHead, FCurrent);
     FCurrent->Next = node;
     FCurrent = source.FCurrent == &source.FHead ? node : source.FCurrent;
     FBefore = before;

@@ -17,6 +17,7 @@ struct TFSNode {
     std::int32_t Size = 0; // capacity in units; 0 while the node has no storage
     std::int32_t Len = 0; // units in use
     TFSNode* Next = nullptr;
+    TFSNode* Previous = nullptr; // null for the head
 };
 
 using PFSNode = TFSNode*;
@@ -106,9 +107,10 @@ protected:
     }
     /// Copies `count` units from position `start` (from 0) on; both lie inside the text.
     void CopyTo(Unit* to, std::int32_t start, std::int32_t count) const noexcept;
-    bool SameAt(std::int32_t start, View s) const noexcept;
     /// Frees every chunk behind the head and makes the head current, as it stands.
     void FreeBehindHead() noexcept;
+    /// Frees the current chunk, which is not the head; the one before it is appended to again.
+    void DropCurrent() noexcept;
     /// The head takes `storage`, full with `length` units, and what it held moves into a node behind it.
     void PutInFront(View s);
     /// Takes over the chunks of `source`, which is left empty.
@@ -121,7 +123,7 @@ protected:
 
 private:
     static Unit* NewStorage(std::int32_t size);
-    PFSNode NewNodeOfHead(const TFSNode& head);
+    static PFSNode NewNodeOfHead(const TFSNode& head, PFSNode previous);
     static void FreeStorage(TFSNode& node) noexcept;
 };
 

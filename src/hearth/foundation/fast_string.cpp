@@ -146,6 +146,8 @@ void TFastString::Grab(TFastString& source)
         TakeChunks(source);
 }
 
+/// An empty last chunk is given up and the one before it trimmed in its place, so that a text is looked at
+/// no further back than it is cut.
 template <class Blank> void TFastString::TrimTrailing(Blank blank)
 {
     const auto* text = static_cast<const char16_t*>(FCurrent->Data);
@@ -153,9 +155,9 @@ template <class Blank> void TFastString::TrimTrailing(Blank blank)
     while (length > 0 && blank(text[length - 1]))
         --length;
     FCurrent->Len = length;
-    if (length == 0) {
-        const String whole = GetAsString();
-        Refill(TrimRightView(whole));
+    while (FCurrent->Len == 0 && FCurrent->Previous) {
+        DropCurrent();
+        FCurrent->Len = static_cast<std::int32_t>(TrimRightView(TextOf(*FCurrent)).size());
     }
 }
 
@@ -171,22 +173,25 @@ void TFastString::TrimTrailingBlanks()
 
 bool TFastString::EndsWith(std::u16string_view s) const noexcept
 {
-    const std::int32_t length = GetTotalLen();
-    if (length == 0 || s.size() > static_cast<std::size_t>(length))
+    if (GetTotalLen() == 0)
         return false;
-    if (s.size() <= static_cast<std::size_t>(FCurrent->Len))
-        return TextOf(*FCurrent).ends_with(s);
-    return SameAt(length - static_cast<std::int32_t>(s.size()), s);
+    for (const TFSNode* node = FCurrent; node && !s.empty(); node = node->Previous) {
+        std::u16string_view text = TextOf(*node);
+        text = text.substr(text.size() - std::min(text.size(), s.size()));
+        if (!s.ends_with(text))
+            return false;
+        s.remove_suffix(text.size());
+    }
+    return s.empty();
 }
 
 char16_t TFastString::LastChar() const noexcept
 {
-    char16_t last = 0;
-    if (FCurrent->Len > 0)
-        last = TextOf(*FCurrent).back();
-    else if (GetTotalLen() > 0)
-        CopyTo(&last, GetTotalLen() - 1, 1);
-    return last;
+    for (const TFSNode* node = FCurrent; node; node = node->Previous) {
+        if (node->Len > 0)
+            return TextOf(*node).back();
+    }
+    return 0;
 }
 
 void TFastString::SavetoStream(TStream& stream) const

@@ -68,7 +68,7 @@ public:
     /// Appends the text of `source` by taking its chunks over, which leaves it empty; the text of a single
     /// chunk less than half full is copied, and the source keeps it.
     void Grab(TFastString& source);
-    /// Removes trailing U+0020; when that empties the last chunk, all trailing units up to U+0020.
+    /// Removes trailing U+0020; when that empties the last chunk, all units up to U+0020 in front of it.
     void TrimTrailingSpaces();
     /// Removes trailing units below U+0021.
     void TrimTrailingBlanks();
