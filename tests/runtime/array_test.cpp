@@ -28,5 +28,19 @@ TEST(array, indexes_outside_raise_and_change_nothing)
     EXPECT_EQ(array, (TArray<int>{3, 4}));
 }
 
+TEST(array, memory_that_is_not_there_raises)
+{
+    if (HEARTH_TEST_SANITIZED)
+        GTEST_SKIP() << "the sanitizers end the program instead";
+    struct Block {
+        char Bytes[1U << 28U];
+    };
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    TArray<Block> array;
+    EXPECT_THROW(array.Reserve(kMost), EOutOfMemory);
+    EXPECT_THROW(array.SetLength(kMost), EOutOfMemory);
+    EXPECT_TRUE(array.IsEmpty());
+}
+
 }
 }

@@ -3,6 +3,7 @@
 #include <hearth/foundation/fast_raw_string.h>
 
 #include <hearth/foundation/number_format_p.h>
+#include <hearth/runtime/storage.h>
 
 #include <cstring>
 #include <iterator>
@@ -106,7 +107,8 @@ TFastRawString& TFastRawString::AddInt(std::int32_t value)
 
 std::string TFastRawString::GetAsString() const
 {
-    std::string bytes(static_cast<std::size_t>(GetTotalLen()), '\0');
+    const auto length = static_cast<std::size_t>(GetTotalLen());
+    std::string bytes = detail::WithStorage([length] { return std::string(length, '\0'); });
     CopyTo(bytes.data(), 0, GetTotalLen());
     return bytes;
 }

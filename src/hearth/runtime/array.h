@@ -3,7 +3,9 @@
 #pragma once
 
 #include <hearth/runtime/checked.h>
+#include <hearth/runtime/storage.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <type_traits>
@@ -11,25 +13,44 @@
 
 namespace ht {
 
-/// A value array with 32-bit lengths; `[]` raises ERangeError outside it, in every build type.
+/// A value array with 32-bit lengths; `[]` raises ERangeError outside it, in every build type. What grows it
+/// throws EOutOfMemory, and leaves it as it was.
 template <class T> class TArray {
     static_assert(!std::is_same_v<T, bool>, "use TArray<std::uint8_t>: packed bits have no addresses");
 
 public:
     TArray() = default;
     TArray(std::initializer_list<T> items)
-        : FItems(items)
+        : FItems(detail::WithStorage([&] { return std::vector<T>(items); }))
     {
     }
     explicit TArray(std::int32_t length) { SetLength(length); }
+    TArray(const TArray& other)
+        : FItems(detail::WithStorage([&] { return other.FItems; }))
+    {
+    }
+    TArray(TArray&&) noexcept = default;
+    TArray& operator=(const TArray& other)
+    {
+        detail::WithStorage([&] { FItems = other.FItems; });
+        return *this;
+    }
+    TArray& operator=(TArray&&) noexcept = default;
+    ~TArray() = default;
 
     std::int32_t Length() const noexcept { return static_cast<std::int32_t>(FItems.size()); }
     std::size_t size() const noexcept { return FItems.size(); }
     bool IsEmpty() const noexcept { return FItems.empty(); }
 
     /// Grows with default values or cuts. Throws ERangeError for a negative length.
-    void SetLength(std::int32_t length) { FItems.resize(CheckedCast<std::size_t>(length)); }
-    void Reserve(std::int32_t capacity) { FItems.reserve(CheckedCast<std::size_t>(capacity)); }
+    void SetLength(std::int32_t length)
+    {
+        detail::WithStorage([&] { FItems.resize(CheckedCast<std::size_t>(length)); });
+    }
+    void Reserve(std::int32_t capacity)
+    {
+        detail::WithStorage([&] { FItems.reserve(CheckedCast<std::size_t>(capacity)); });
+    }
     void Clear() noexcept { FItems.clear(); }
 
     T& operator[](std::int32_t index) { return FItems[Checked(index)]; }
@@ -43,6 +64,8 @@ public:
     std::int32_t Add(T item)
     {
         const std::int32_t index = CheckedLength(FItems.size() + 1) - 1;
+        if (FItems.size() == FItems.capacity()) [[unlikely]]
+            Grow();
         FItems.push_back(std::move(item));
         return index;
     }
@@ -51,7 +74,7 @@ public:
     {
         if (index < 0 || index > Length()) [[unlikely]]
             RaiseRangeError();
-        FItems.insert(FItems.begin() + index, std::move(item));
+        detail::WithStorage([&] { FItems.insert(FItems.begin() + index, std::move(item)); });
     }
     void Delete(std::int32_t index, std::int32_t count = 1)
     {
@@ -70,6 +93,12 @@ public:
     friend bool operator==(const TArray&, const TArray&) = default;
 
 private:
+    /// Apart from Add, which is then as short as it would be without a try block.
+    [[gnu::noinline]] void Grow()
+    {
+        constexpr std::size_t kFirst = 4;
+        detail::WithStorage([&] { FItems.reserve(std::max(2 * FItems.size(), kFirst)); });
+    }
     std::size_t Checked(std::int32_t index) const
     {
         if (static_cast<std::size_t>(static_cast<std::uint32_t>(index)) >= FItems.size()) [[unlikely]]
@@ -77,6 +106,7 @@ private:
         return static_cast<std::size_t>(index);
     }
 
+    /// With an allocator of our own the C++ library would fill and copy bytes one by one.
     std::vector<T> FItems;
 };
 

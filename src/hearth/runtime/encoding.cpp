@@ -3,6 +3,7 @@
 #include <hearth/runtime/encoding.h>
 
 #include <hearth/runtime/exceptions.h>
+#include <hearth/runtime/storage.h>
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -303,6 +304,25 @@ std::string EncodeLatin1(std::u16string_view text)
     return EncodeByteWise(text, [](char16_t unit) { return unit < 0x100 ? static_cast<char>(unit) : '?'; });
 }
 
+std::string EncodeIn(std::uint32_t codePage, std::u16string_view text)
+{
+    switch (codePage) {
+    case kUtf8CodePage:
+        return String(text).ToUtf8();
+    case kLatin1Page:
+        return EncodeLatin1(text);
+    case kUtf16LittleEndianCodePage:
+        return EncodeUtf16(text, std::endian::little);
+    case kUtf16BigEndianCodePage:
+        return EncodeUtf16(text, std::endian::big);
+    default:
+        break;
+    }
+    if (const ByteTable* table = FindByteTable(codePage))
+        return table->Encode(text);
+    return EncodeByConverter(text, OpenConverter(codePage).get());
+}
+
 /// The number behind "cp", "windows-" and the like; 0 when there is none.
 std::uint32_t NumberInLabel(std::string_view label) noexcept
 {
@@ -411,21 +431,7 @@ String DecodeBytes(std::string_view bytes, std::uint32_t codePage)
 
 std::string EncodeBytes(std::u16string_view text, std::uint32_t codePage)
 {
-    switch (codePage) {
-    case kUtf8CodePage:
-        return String(text).ToUtf8();
-    case kLatin1Page:
-        return EncodeLatin1(text);
-    case kUtf16LittleEndianCodePage:
-        return EncodeUtf16(text, std::endian::little);
-    case kUtf16BigEndianCodePage:
-        return EncodeUtf16(text, std::endian::big);
-    default:
-        break;
-    }
-    if (const ByteTable* table = FindByteTable(codePage))
-        return table->Encode(text);
-    return EncodeByConverter(text, OpenConverter(codePage).get());
+    return detail::WithStorage([=] { return EncodeIn(codePage, text); });
 }
 
 String DecodeUtf16LittleEndian(std::string_view bytes)

@@ -101,7 +101,7 @@ void* TList::Extract(void* item)
 void TList::Clear()
 {
     // Notify may look at the list: the items leave it first.
-    const std::vector<void*> old = std::exchange(FItems, {});
+    const detail::Items<void*> old = std::exchange(FItems, {});
     for (void* item : old) {
         if (item)
             Notify(item, lnDeleted);
@@ -134,7 +134,7 @@ std::int32_t TList::IndexOf(const void* item) const noexcept
 
 void TList::Sort(const TCompare& compare)
 {
-    std::vector<void*> sorted = FItems;
+    detail::Items<void*> sorted = FItems;
     StableSort(sorted, compare);
     // The comparison may have changed the list; its order counts only for what was compared.
     if (sorted.size() == FItems.size())

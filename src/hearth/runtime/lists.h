@@ -3,10 +3,10 @@
 #pragma once
 
 #include <hearth/runtime/object.h>
+#include <hearth/runtime/storage.h>
 
 #include <cstdint>
 #include <functional>
-#include <vector>
 
 namespace ht {
 
@@ -78,7 +78,7 @@ private:
     [[noreturn]] static void RaiseIndex(std::int32_t index);
     void RequireRoom() const;
 
-    std::vector<void*> FItems;
+    detail::Items<void*> FItems;
 };
 
 }

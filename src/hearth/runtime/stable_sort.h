@@ -5,17 +5,16 @@
 #include <algorithm>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 namespace ht {
 
-/// Sorts stably by `compare(a, b)`, negative when a goes first. The comparison may contradict itself (scripts
-/// supply some), which the C++ library's sorts answer with reads outside the range; the order is then any,
-/// but all items are there. When it throws, `items` is as before. N log N comparisons.
-template <class T, class Compare> void StableSort(std::vector<T>& items, Compare compare)
+/// Sorts a vector stably by `compare(a, b)`, negative when a goes first. The comparison may contradict itself
+/// (scripts supply some), which the C++ library's sorts answer with reads outside the range; the order is
+/// then any, but all items are there. When it throws, `items` is as before. N log N comparisons.
+template <class Items, class Compare> void StableSort(Items& items, Compare compare)
 {
-    std::vector<T> from = items;
-    std::vector<T> to(items.size());
+    Items from = items;
+    Items to(items.size());
     for (std::size_t width = 1; width < items.size(); width *= 2) {
         for (std::size_t start = 0; start < items.size(); start += 2 * width) {
             std::size_t left = start;

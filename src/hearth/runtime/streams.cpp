@@ -9,7 +9,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <new>
 
 namespace ht {
 
@@ -122,15 +121,17 @@ std::int64_t TStream::CopyFrom(TStream& source, std::int64_t count)
 
 std::string TStream::ReadRest()
 {
-    std::string bytes;
-    while (true) {
-        const std::size_t before = bytes.size();
-        bytes.resize(before + kPieceSize);
-        const std::int32_t got = Read(bytes.data() + before, kPieceSize);
-        bytes.resize(before + static_cast<std::size_t>(std::max(got, 0)));
-        if (got <= 0)
-            return bytes;
-    }
+    return detail::WithStorage([this] {
+        std::string bytes;
+        while (true) {
+            const std::size_t before = bytes.size();
+            bytes.resize(before + kPieceSize);
+            const std::int32_t got = Read(bytes.data() + before, kPieceSize);
+            bytes.resize(before + static_cast<std::size_t>(std::max(got, 0)));
+            if (got <= 0)
+                return bytes;
+        }
+    });
 }
 
 std::int32_t TMemoryStream::Read(void* buffer, std::int32_t count)
@@ -178,7 +179,7 @@ void TMemoryStream::SetSize(std::int64_t size)
         RaiseNoMemory();
     try {
         FData.SetLength(static_cast<std::int32_t>(size));
-    } catch (const std::bad_alloc&) {
+    } catch (const EOutOfMemory&) {
         RaiseNoMemory();
     }
     FPosition = std::min(FPosition, size);

@@ -285,7 +285,7 @@ void TStringList::Clear()
     if (FItems.empty())
         return;
     Changing();
-    const std::vector<TStringItem> old = std::exchange(FItems, {});
+    const detail::Items<TStringItem> old = std::exchange(FItems, {});
     if (FOwnsObjects) {
         for (const TStringItem& item : old)
             delete item.FObject;
@@ -366,12 +366,12 @@ void TStringList::SortBy(const TCompare& compare)
     if (FItems.size() < 2)
         return;
     Changing();
-    std::vector<std::int32_t> order(FItems.size());
+    detail::Items<std::int32_t> order(FItems.size());
     std::iota(order.begin(), order.end(), 0);
     StableSort(order, [&](std::int32_t a, std::int32_t b) { return compare(*this, a, b); });
     // A comparison that changed the list has sorted something else.
     if (order.size() == FItems.size()) {
-        std::vector<TStringItem> sorted;
+        detail::Items<TStringItem> sorted;
         sorted.reserve(order.size());
         for (std::int32_t index : order)
             sorted.push_back(std::move(FItems[static_cast<std::size_t>(index)]));

@@ -3,11 +3,11 @@
 #pragma once
 
 #include <hearth/runtime/persistent.h>
+#include <hearth/runtime/storage.h>
 #include <hearth/runtime/streams.h>
 
 #include <cstdint>
 #include <functional>
-#include <vector>
 
 namespace ht {
 
@@ -210,7 +210,7 @@ private:
     void InsertItem(std::int32_t index, const String& text, TObject* object);
     void SortBy(const TCompare& compare);
 
-    std::vector<TStringItem> FItems;
+    detail::Items<TStringItem> FItems;
     bool FSorted = false;
     bool FCaseSensitive = false;
     bool FOwnsObjects = false;

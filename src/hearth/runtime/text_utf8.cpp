@@ -3,6 +3,7 @@
 #include <hearth/runtime/text.h>
 
 #include <hearth/runtime/simd_p.h>
+#include <hearth/runtime/storage.h>
 
 #include <array>
 
@@ -339,6 +340,31 @@ std::string_view EncodePiece(const char16_t* p, const char16_t* end, PieceBytes&
     return {room.data(), static_cast<std::size_t>(out - room.data())};
 }
 
+/// A string that is made at its full size is filled with zeros first, so pieces are encoded where they stay
+/// in the nearest cache, and appended.
+std::string EncodeText(std::u16string_view text)
+{
+    PieceBytes room;
+    const char16_t* const end = text.data() + text.size();
+    const char16_t* p = PieceEnd(text.data(), end);
+    const std::string_view first = EncodePiece(text.data(), p, room);
+    if (p == end)
+        return std::string(first);
+    // Room as if all of the text were like its first piece, and a little more.
+    const std::size_t expected = (text.size() / kPieceUnits + 1) * first.size();
+    std::string bytes;
+    bytes.reserve(expected + expected / 16);
+    bytes = first;
+    while (p < end) {
+        const char16_t* const stop = PieceEnd(p, end);
+        bytes += EncodePiece(p, stop, room);
+        p = stop;
+    }
+    if (bytes.capacity() - bytes.size() > bytes.size() / kMostUnused)
+        bytes.shrink_to_fit();
+    return bytes;
+}
+
 }
 
 String String::FromUtf8(std::string_view bytes)
@@ -363,28 +389,9 @@ String String::FromUtf8(std::string_view bytes)
     return result;
 }
 
-/// A string that is made at its full size is filled with zeros first, so pieces are encoded where they stay
-/// in the nearest cache, and appended.
 std::string String::ToUtf8() const
 {
-    PieceBytes room;
-    const char16_t* p = PieceEnd(begin(), end());
-    const std::string_view first = EncodePiece(begin(), p, room);
-    if (p == end())
-        return std::string(first);
-    // Room as if all of the text were like its first piece, and a little more.
-    const std::size_t expected = (size() / kPieceUnits + 1) * first.size();
-    std::string bytes;
-    bytes.reserve(expected + expected / 16);
-    bytes = first;
-    while (p < end()) {
-        const char16_t* const stop = PieceEnd(p, end());
-        bytes += EncodePiece(p, stop, room);
-        p = stop;
-    }
-    if (bytes.capacity() - bytes.size() > bytes.size() / kMostUnused)
-        bytes.shrink_to_fit();
-    return bytes;
+    return detail::WithStorage([this] { return EncodeText(View()); });
 }
 
 }
