@@ -26,6 +26,15 @@ std::string TextOf(const TFastString& buffer)
     return buffer.GetAsString().ToUtf8();
 }
 
+template <class T>
+concept Addable = requires(TFastString buffer, T value)
+{
+    buffer.Add(value);
+};
+static_assert(Addable<std::int32_t> && Addable<std::int64_t> && Addable<const char16_t*>);
+static_assert(!Addable<char> && !Addable<wchar_t> && !Addable<char8_t> && !Addable<char32_t>);
+static_assert(!Addable<char16_t> && !Addable<bool>);
+
 std::string Decimal(double value, std::int32_t digits, bool zero)
 {
     TFastString buffer(16);
@@ -252,7 +261,11 @@ TEST(fast_string, decimals_are_rounded_to_even_and_short)
         {0.05, 2, false, ".05"}, {0.05, 2, true, "0.05"}, {0.05, 1, false, "0"}, {2.05, 1, false, "2"},
         {1e-8, 8, true, "0.00000001"}, {0.125, 2, true, "0.12"}, {0.375, 2, true, "0.38"},
         {123456.789, 20, true, "123456.789"}, {1.5, -3, true, "1.5"},
-        {1e15 + 0.5, 8, true, "1000000000000000"}, {std::nan(""), 3, true, "0"},
+        {1e15 + 0.5, 8, true, "1000000000000000.5"}, {92233720368.75, 8, true, "92233720368.75"},
+        {123456789012.3, 8, true, "123456789012.3"}, {-9223372036854.5, 6, true, "-9223372036854.5"},
+        {90071993.12345679, 8, true, "90071993.12345679"},
+        {4503599627370495.5, 1, true, "4503599627370495.5"}, {99999999999.999999, 8, true, "100000000000"},
+        {1e16, 2, true, "10000000000000000"}, {-0.05, 1, true, "0"}, {std::nan(""), 3, true, "0"},
         {1e300, 3, true, "9223372036854775807"}, {-INFINITY, 3, true, "-9223372036854775807"}};
     for (const auto& row : rows)
         EXPECT_EQ(Decimal(row.value, row.digits, row.zero), row.text) << row.value << ", " << row.digits;
@@ -288,8 +301,23 @@ TEST(fast_raw_string, utf8_joins_surrogates_in_any_order)
         TFastRawString buffer(1);
         buffer.AddUTF8(u"12345678\u00E9").AddUTF8(row.text);
         EXPECT_EQ(buffer.GetAsString().substr(10), row.bytes);
-        EXPECT_EQ(buffer.AsBytes().Length(), buffer.GetTotalLen());
     }
+}
+
+TEST(fast_raw_string, what_comes_out_is_what_went_in)
+{
+    TFastRawString bytes(6);
+    bytes.Add("a").AddSpaces(3).AddUTF8(u"\u00E9").AddSpaces(9).AddChar('z');
+    const std::string expected = "a   \xC3\xA9         z";
+    EXPECT_EQ(bytes.GetAsString(), expected);
+    std::string text = "old";
+    bytes.ToUTF8String(text);
+    EXPECT_EQ(text, expected);
+    const TBytes copied = bytes.AsBytes();
+    EXPECT_EQ(std::string(copied.begin(), copied.end()), expected);
+
+    TFastString wide(6);
+    EXPECT_EQ(TextOf(wide.Add(u"a").AddSpaces(3).AddSpaces(9).AddChar(u'z')), "a            z");
 }
 
 TEST(fast_string_list, finds_words_by_pointer_and_length)

@@ -19,6 +19,9 @@ constexpr std::int32_t kMostDecimals = 8;
 constexpr double kScales[kMostDecimals + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
 constexpr double kInt64Bound = 9223372036854775808.0;
 
+/// From here on a double has no decimals, and a scaled one may have lost some.
+constexpr double kWholeBound = 9007199254740992.0;
+
 /// Rounds half to even, as the rounding mode of every thread here is.
 std::int64_t RoundToInt64(double value) noexcept
 {
@@ -29,6 +32,22 @@ std::int64_t RoundToInt64(double value) noexcept
         return static_cast<std::int64_t>(rounded);
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
     return rounded < 0 ? -kMost : kMost;
+}
+
+/// A magnitude as so many hundredths, thousandths and so on as `decimals` asks for. Of a large one only those
+/// decimals are taken that it takes to read the same number back, as the product holds noise behind them.
+std::uint64_t ScaledDigits(double magnitude, std::size_t& decimals)
+{
+    const double scaled = std::nearbyint(magnitude * kScales[decimals]);
+    if (scaled < kWholeBound)
+        return static_cast<std::uint64_t>(scaled);
+    const double whole = std::trunc(magnitude);
+    const double fraction = magnitude - whole;
+    const auto places = [fraction](std::size_t count) { return std::nearbyint(fraction * kScales[count]); };
+    while (decimals > 1 && whole + places(decimals - 1) / kScales[decimals - 1] == magnitude)
+        --decimals;
+    return static_cast<std::uint64_t>(whole) * static_cast<std::uint64_t>(kScales[decimals])
+        + static_cast<std::uint64_t>(places(decimals));
 }
 
 }
@@ -53,18 +72,16 @@ TFastString& TFastString::Add(std::int64_t value)
 
 TFastString& TFastString::Add(double value, std::int32_t digits, bool zero)
 {
-    const auto decimals =
-        static_cast<std::size_t>(digits < 0 ? kMostDecimals : std::min(digits, kMostDecimals));
-    const double scale = kScales[decimals];
+    auto decimals = static_cast<std::size_t>(digits < 0 ? kMostDecimals : std::min(digits, kMostDecimals));
     const std::int64_t whole = RoundToInt64(value);
-    const double scaled = std::nearbyint(value * scale);
-    // A number too large to be scaled has no decimals worth writing.
-    if (decimals == 0 || !(std::abs(scaled) < kInt64Bound)
-        || std::abs(value - static_cast<double>(whole)) * scale < 0.5)
+    // Not a number is no magnitude below the bound either.
+    if (decimals == 0 || !(std::abs(value) < kWholeBound)
+        || std::abs(value - static_cast<double>(whole)) * kScales[decimals] < 0.5)
         return Add(whole);
+    const std::uint64_t scaled = ScaledDigits(std::abs(value), decimals);
     char16_t scratch[32];
     char16_t* end = std::end(scratch);
-    char16_t* first = detail::WriteDigits(static_cast<std::uint64_t>(std::abs(scaled)), end);
+    char16_t* first = detail::WriteDigits(scaled, end);
     while (static_cast<std::size_t>(end - first) < decimals)
         *--first = u'0';
     // Open the gap for the point: the digits in front of it move down by one.
@@ -79,7 +96,7 @@ TFastString& TFastString::Add(double value, std::int32_t digits, bool zero)
         --end;
     if (first == end || (zero && first == point))
         *--first = u'0';
-    if (scaled < 0)
+    if (value < 0 && scaled != 0)
         *--first = u'-';
     return Add(first, static_cast<std::int32_t>(end - first));
 }

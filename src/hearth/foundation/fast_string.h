@@ -5,9 +5,20 @@
 #include <hearth/foundation/chunk_chain.h>
 #include <hearth/runtime/text.h>
 
+#include <concepts>
+
 namespace ht {
 
 class TStream;
+
+namespace detail {
+
+/// What C++ takes for a small integer, and nobody else does.
+template <class T>
+concept NoNumber = std::same_as<T, char> || std::same_as<T, wchar_t> || std::same_as<T,
+    char8_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t> || std::same_as<T, bool>;
+
+}
 
 /// Text that grows at its end and is assembled when somebody asks for it. Lengths are 32-bit: an addition
 /// that would pass them throws EIntOverflow and leaves the buffer as it was. Belongs to one thread.
@@ -33,10 +44,11 @@ public:
     TFastString& Add(std::int64_t value);
     TFastString& Add(std::int32_t value) { return Add(std::int64_t{value}); }
     /// Up to `digits` decimal places, at most 8 (also for a negative count), rounded half to even, without
-    /// trailing zeros; `zero` writes the 0 in front of a bare fraction. NaN is 0; what passes 64 bits is cut
-    /// to them.
+    /// trailing zeros; `zero` writes the 0 in front of a bare fraction. Where a double has no so many places,
+    /// those are written that it takes to read it back. NaN is 0; what passes 64 bits is cut to them.
     TFastString& Add(double value, std::int32_t digits, bool zero);
-    TFastString& Add(char16_t) = delete; // AddChar: as a number it would be written in decimal
+    /// AddChar appends characters, which would be written as decimal numbers here.
+    template <detail::NoNumber T> TFastString& Add(T) = delete;
     TFastString& AddChar(char16_t c)
     {
         AppendOne(c);
