@@ -1,6 +1,7 @@
 // hearth encoding: says how a page was encoded.
 // SPDX-License-Identifier: MIT
 #include "commands.h"
+#include "errors.h"
 #include "input.h"
 #include "output.h"
 
@@ -27,8 +28,6 @@ std::string NameOf(ht::THtmlEncoding encoding)
         return "utf-8";
     case ht::heUTF16:
         return "utf-16";
-    case ht::heANSI:
-        return "ansi";
     default:
         return "default";
     }
@@ -38,7 +37,14 @@ void Run(const EncodingOptions& options)
 {
     std::uint32_t page = 0;
     const std::string start = options.Input.ReadStart(ht::THtmlParser::kDetectionBytes);
-    const std::string name = NameOf(ht::THtmlParser::GetBytesEncoding(start, page));
+    ht::THtmlEncoding encoding = ht::heDefault;
+    try {
+        encoding = ht::THtmlParser::GetBytesEncoding(start, page);
+    } catch (const ht::ERangeError&) {
+        throw InputError("the charset declaration is cut off by the end of the text, or of its first "
+            + std::to_string(ht::THtmlParser::kDetectionBytes) + " bytes");
+    }
+    const std::string name = NameOf(encoding);
     options.Output.WriteText(page == 0 ? name : name + " " + std::to_string(page));
 }
 

@@ -44,6 +44,8 @@ int ReportException() noexcept
         return ReportRefusal(exception);
     } catch (const UsageError& error) {
         return Report(esUsage, error.what());
+    } catch (const InputError& error) {
+        return Report(esRefused, error.what());
     } catch (const FileError& error) {
         return Report(esFile, error.what());
     } catch (const std::bad_alloc&) {

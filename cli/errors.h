@@ -21,6 +21,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The input is refused for a reason that the command knows better than the library.
+class InputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// There is no input and a person at the terminal: the command shows its help instead of waiting.
 class HelpWanted : public std::exception { };
 
