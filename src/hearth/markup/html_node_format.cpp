@@ -10,7 +10,6 @@ namespace ht {
 
 namespace {
 
-constexpr std::u16string_view kLineEnd = u"\r\n";
 /// A start tag and its only text stay on one line below this length.
 constexpr std::int64_t kShortLine = 64;
 

@@ -3,6 +3,7 @@
 #include <hearth/markup/html_node.h>
 
 #include <hearth/markup/html_walk_p.h>
+#include <hearth/markup/html_write_p.h>
 
 #include <hearth/foundation/fast_string.h>
 
@@ -14,7 +15,6 @@ namespace ht {
 
 namespace {
 
-constexpr std::u16string_view kLineEnd = u"\r\n";
 constexpr std::int32_t kRawTextDelta = 4096;
 
 bool IsTextBlock(const THtNode& node)

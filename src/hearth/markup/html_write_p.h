@@ -1,4 +1,4 @@
-// What plain and indented output write alike.
+// What the printers and the readable text write alike.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,6 +8,9 @@
 #include <string_view>
 
 namespace ht {
+
+/// How lines end in what is printed.
+inline constexpr std::u16string_view kLineEnd = u"\r\n";
 
 void WriteComment(TFastString& FS, std::u16string_view content);
 void WriteDirective(TFastString& FS, std::u16string_view content);

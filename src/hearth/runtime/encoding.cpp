@@ -4,6 +4,7 @@
 
 #include <hearth/runtime/exceptions.h>
 #include <hearth/runtime/storage.h>
+#include <hearth/runtime/unicode_p.h>
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -21,7 +22,6 @@ namespace ht {
 namespace {
 
 constexpr std::uint32_t kLatin1Page = 28591;
-constexpr char16_t kReplacement = 0xFFFD;
 
 struct PageName {
     std::uint32_t page;

@@ -4,6 +4,7 @@
 
 #include <hearth/runtime/simd_p.h>
 #include <hearth/runtime/storage.h>
+#include <hearth/runtime/unicode_p.h>
 
 #include <array>
 
@@ -14,7 +15,6 @@ namespace {
 using simd::Bytes16;
 using simd::Units8;
 
-constexpr char16_t kReplacement = 0xFFFD;
 /// Text may be kept for long, so of its room no more than an eighth stays unused.
 constexpr std::size_t kMostUnused = 8;
 constexpr std::ptrdiff_t kWideStep = 4 * Bytes16::kCount;
