@@ -6,8 +6,7 @@
 
 namespace ht {
 
-/// Raised by the strict XML mode, and for limits that a host set. Lines in the message count from 0,
-/// positions from 1.
+/// Raised by the strict XML mode. Lines in the message count from 0, positions from 1.
 class HT_API EHtmlParserException : public Exception {
 public:
     using Exception::Exception;

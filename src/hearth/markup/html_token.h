@@ -10,20 +10,20 @@
 namespace ht {
 
 enum THTMLTokenType : std::uint8_t {
-    htUnknown,
-    htIdent,
-    htSpace,
-    htString,
-    htTagStart,
-    htTagEnd,
-    htTagClose,
-    htEq,
-    htScript,
-    htStyle,
-    htComment,
-    htDirective,
-    htCData,
-    htCustom,
+    htUnknown, // nothing yet; a node without a tag that no parser made
+    htIdent, // a name or an unquoted value; as a node an element
+    htSpace, // blanks in a tag
+    htString, // a text or a quoted value; as a node a text
+    htTagStart, // "<" of a tag
+    htTagEnd, // ">"
+    htTagClose, // "/"
+    htEq, // "=" in a tag
+    htScript, // the body of a script; as a node the script with its body
+    htStyle, // the body of a style sheet; as a node the style sheet with its body
+    htComment, // a comment, as a node too
+    htDirective, // "<?...?>", as a node too
+    htCData, // a CDATA section, as a node too
+    htCustom, // "<!...>", never a node
 };
 
 template <> struct TEnumTraits<THTMLTokenType> {

@@ -11,9 +11,8 @@
 
 namespace ht {
 
-/// Ordered texts, each with an object that is not owned. Strings::* raise EStringListError for
-/// indexes outside. Get, Count, Delete and Insert of this class raise EAbstractError. Parts:
-/// strings.cpp, strings_text.cpp.
+/// Ordered texts, each with an object that is not owned. Get, Count, Delete and Insert of this class raise
+/// EAbstractError. Parts: strings.cpp, strings_text.cpp.
 class HT_API TStrings : public TPersistent {
 public:
     static constexpr TClassInfo kClassInfo{u"TStrings", &TPersistent::kClassInfo};
@@ -138,7 +137,7 @@ struct TStringItem {
     TObject* FObject = nullptr;
 };
 
-/// Texts in memory, sorted if wanted.
+/// Texts in memory, sorted if wanted. Operations that take an index throw EStringListError outside the list.
 class HT_API TStringList : public TStrings {
 public:
     static constexpr TClassInfo kClassInfo{u"TStringList", &TStrings::kClassInfo};
