@@ -131,17 +131,22 @@ void FreeBehind(void* block) noexcept
 namespace {
 
 /// Never destroyed: threads and static objects free their blocks until the very end of the process.
-PagePool& Pool()
-{
-    alignas(PagePool) static std::byte room[sizeof(PagePool)];
-    static PagePool* const pool = [] {
-        auto* made = new (room) PagePool;
-        // The child of a fork has one thread, and finds the pool as no thread was changing it.
-        pthread_atfork([] { Pool().Lock(); }, [] { Pool().Unlock(); }, [] { Pool().Unlock(); });
-        return made;
-    }();
-    return *pool;
-}
+union EverlastingPool {
+    constexpr EverlastingPool() noexcept
+        : Pool()
+    {
+    }
+    ~EverlastingPool() { }
+
+    PagePool Pool;
+};
+
+constinit EverlastingPool gPool;
+
+/// The child of a fork has one thread, and finds the pool as no thread was changing it. Made before main, so
+/// that no thread can be at it while another forks.
+[[maybe_unused]] const int gForkHandlers =
+    pthread_atfork([] { gPool.Pool.Lock(); }, [] { gPool.Pool.Unlock(); }, [] { gPool.Pool.Unlock(); });
 
 /// What a thread works with that has no heap, yet or any more: no block is in it, and none is its own.
 constinit PageHeap gNoHeap;
@@ -160,7 +165,7 @@ struct HeapHolder {
         Ended = true;
         PageHeap& heap = *std::exchange(tHeap, &gNoHeap);
         heap.Collect();
-        Pool().Park(heap);
+        gPool.Pool.Park(heap);
     }
     static thread_local bool Ended;
 };
@@ -172,7 +177,7 @@ PageHeap* OpenHeap()
 {
     if (tHeap != &gNoHeap)
         return tHeap;
-    PageHeap* heap = HeapHolder::Ended ? nullptr : Pool().TakeHeap();
+    PageHeap* heap = HeapHolder::Ended ? nullptr : gPool.Pool.TakeHeap();
     if (heap) {
         tHeap = heap;
         [[maybe_unused]] static thread_local HeapHolder holder;
@@ -234,7 +239,7 @@ void Collect() noexcept
 {
     if (tHeap != &gNoHeap)
         tHeap->Collect();
-    Pool().Collect();
+    gPool.Pool.Collect();
     if (Chosen().collect)
         Chosen().collect(true);
 }

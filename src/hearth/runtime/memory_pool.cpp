@@ -8,11 +8,6 @@
 
 namespace ht::memory {
 
-PagePool::PagePool(std::size_t keptBytes) noexcept
-    : FKeptPages(keptBytes / kPageBytes)
-{
-}
-
 PagePool::~PagePool()
 {
     while (Chunk* chunk = FChunks) {

@@ -16,7 +16,10 @@ public:
     static constexpr std::size_t kKeptBytes = std::size_t{32} << 20U;
 
     /// Free chunks are given back to the system while this much is free besides them.
-    explicit PagePool(std::size_t keptBytes = kKeptBytes) noexcept;
+    constexpr explicit PagePool(std::size_t keptBytes = kKeptBytes) noexcept
+        : FKeptPages(keptBytes / kPageBytes)
+    {
+    }
     /// Ends all heaps and blocks.
     ~PagePool();
     PagePool(const PagePool&) = delete;
