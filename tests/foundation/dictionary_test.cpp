@@ -134,6 +134,45 @@ TEST(dictionary, runs_are_sorted_by_home_slot)
     EXPECT_EQ(dictionary.InternalFind(0), 2);
 }
 
+TEST(dictionary, an_empty_slot_is_no_hit_for_its_own_index)
+{
+    for (std::uint32_t key = 0; key < 4; ++key) {
+        TShaIntegerBox box;
+        THtIdPointerDictionary dictionary;
+        int target = 0;
+        for (std::uint32_t round = 1; round <= 3; ++round) {
+            box.Add(key + 4 * round);
+            dictionary.Add(key + 4 * round, &target);
+        }
+        std::uint32_t word = 9;
+        EXPECT_FALSE(box.Find(key, word)) << key;
+        EXPECT_FALSE(dictionary.ContainsKey(key)) << key;
+        box.Remove(key);
+        EXPECT_EQ(box.Count(), 3) << key;
+        EXPECT_EQ(dictionary.Extract(key), nullptr) << key;
+        EXPECT_GE(box.Add(key), 0) << key;
+        EXPECT_GE(box.Add(key + 16), 0) << key;
+        dictionary.Add(key, &target);
+        for (std::uint32_t round = 0; round <= 3; ++round) {
+            EXPECT_GE(box.InternalFind(key + 4 * round), 0) << key;
+            EXPECT_EQ(dictionary.Get(key + 4 * round), &target) << key;
+        }
+    }
+
+    std::vector<THtStringRec> records;
+    for (std::uint32_t i = 0; records.size() < 3; ++i) {
+        if (ShaPerfectHash(NameOf(i)) % 4 == 0)
+            records.emplace_back(NameOf(i));
+    }
+    THtObjectDictionary names(0, false, HtClassFieldOffset(&THtStringRec::Value));
+    for (THtStringRec& record : records)
+        names.AddObject(&record);
+    EXPECT_EQ(names.Get(u""), nullptr) << "the hash of no units is 0";
+    THtStringRec empty(u""_s);
+    names.AddObject(&empty);
+    EXPECT_EQ(names.Get(u""), &empty);
+}
+
 TEST(dictionary, integer_keys_agree_with_a_model)
 {
     std::mt19937 random(17);

@@ -123,8 +123,9 @@ public:
         for (std::uint32_t count = 1; count <= kLongProbe; ++count) {
             i = (i + 1) & mask;
             const std::uint32_t found = slots[i].Key;
-            // The distance of an equal key is the count, so the two tests may stand in either order.
-            if (found == key) {
+            // Once around a table of four slots, a search comes to the empty slot whose index is the key. No
+            // entry stands there; any other slot with an equal key has the count as its distance.
+            if (found == key && i != key) {
                 if (match.Same(slots[i].Value)) [[likely]]
                     return static_cast<std::int32_t>(i);
                 // Two names of one hash are rare unless somebody made them: the side index knows those.
