@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <hearth/foundation/collision_index.h>
+#include <hearth/foundation/seeded_hash.h>
 #include <hearth/runtime/exceptions.h>
 #include <hearth/runtime/memory.h>
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -18,8 +19,10 @@ namespace ht::detail {
 inline constexpr std::uint32_t kMaxSlots = 0x40000000;
 /// Entries above which a table is filled to seven eighths instead of three quarters.
 inline constexpr std::int32_t kDenseCount = 100'000;
-/// Probes after which a search stops walking; also the longest group of one home slot without a side index.
-inline constexpr std::uint32_t kLongProbe = 64;
+/// Entries of one home, and probes from an entry's home to its slot, above which a table of names becomes a
+/// list. Names that nobody chose for it stay far below: even the runs of hashes that numbered names make.
+inline constexpr std::uint32_t kLongGroup = 32;
+inline constexpr std::uint32_t kLongProbe = 1024;
 /// Entries that an insertion moves one by one before it moves the rest as a block.
 inline constexpr std::uint32_t kShortShift = 16;
 
@@ -67,10 +70,18 @@ struct KeyOnly {
     template <class Value> static constexpr bool Same(const Value&) noexcept { return true; }
 };
 
+/// The matcher of a search for the end of a group: no entry is a hit.
+struct NeverSame {
+    template <class Value> static constexpr bool Same(const Value&) noexcept { return false; }
+};
+
 /// Slots of a 32-bit key and a value. The home of key k is slot k + 1; an empty slot's key is its own index,
 /// which no entry's key can be. The entries of a run are sorted by home, so a search for an absent key ends
 /// at the first entry whose home lies behind. Searches change nothing: any number of threads may search a
 /// table that nobody changes.
+///
+/// A table of names whose hashes crowd together becomes a list until it is cleared: its entries fill the
+/// slots from 0 on, and an index by seeded hash tells where they stand. Sizes and growth are the same.
 ///
 /// A matcher has `Same(value)` and, where names are compared, `Seeded()`: the SeededHash of the name looked
 /// for.
@@ -78,16 +89,17 @@ template <class V> class HashTable {
     static_assert(std::is_trivially_copyable_v<V>);
 
 public:
-    /// SeededHash of the name of a value, for the side index.
+    /// SeededHash of the name of a value.
     using SeededNameFunc = std::uint32_t (*)(std::intptr_t context, V value);
 
     /// Throws EOutOfMemory for a capacity above 2^30.
     explicit HashTable(std::int32_t capacity) { SetCapacity(capacity); }
-    HashTable(const HashTable&) = delete;
-    HashTable& operator=(const HashTable&) = delete;
+    /// Tables without names only. A moved one is copied too, so none is ever without slots.
+    HashTable(const HashTable& other);
+    HashTable& operator=(const HashTable& other);
     ~HashTable() { memory::Free(FSlots); }
 
-    /// Tells how names are read, without which groups of equal keys are walked whatever their length.
+    /// Tells how names are read. Without it runs are walked whatever their length.
     void SetNames(SeededNameFunc seededName, std::intptr_t context) noexcept
     {
         FSeededName = seededName;
@@ -105,7 +117,7 @@ public:
     std::int32_t NextSlot(std::int32_t& index) const noexcept
     {
         for (std::uint32_t i = index < 0 ? 0 : Unsigned(index); i <= FMask; ++i) {
-            if (FSlots[i].Key != i) {
+            if (IsTaken(i)) {
                 index = static_cast<std::int32_t>(i) + 1;
                 return static_cast<std::int32_t>(i);
             }
@@ -117,10 +129,12 @@ public:
     /// The slot of a hit, or the complement of the slot where the entry would go.
     template <class Match> std::int32_t Find(std::uint32_t key, const Match& match) const
     {
+        if (FIndex) [[unlikely]]
+            return FindListed(key, match);
         const Slot* const slots = FSlots;
         const std::uint32_t mask = FMask;
         std::uint32_t i = key;
-        for (std::uint32_t count = 1; count <= kLongProbe; ++count) {
+        for (std::uint32_t count = 1;; ++count) {
             i = (i + 1) & mask;
             const std::uint32_t found = slots[i].Key;
             // Once around a table of four slots, a search comes to the empty slot whose index is the key. No
@@ -128,19 +142,17 @@ public:
             if (found == key && i != key) {
                 if (match.Same(slots[i].Value)) [[likely]]
                     return static_cast<std::int32_t>(i);
-                // Two names of one hash are rare unless somebody made them: the side index knows those.
-                break;
             } else if (count > ((i - found) & mask)) {
                 return ~static_cast<std::int32_t>(i);
             }
         }
-        return FindFar(key, match);
     }
 
     /// Makes room for one more entry; true when slots moved. Throws EOutOfMemory.
     bool GrowIfFull() { return FCount >= FGrowLimit ? Grow() : false; }
 
-    /// Puts an entry where a search of this table has missed (`slot` is not complemented); returns `slot`.
+    /// Puts an entry where a search of this table has missed (`slot` is not complemented); returns its slot.
+    /// Throws EOutOfMemory.
     std::int32_t InsertAt(std::int32_t slot, std::uint32_t key, V value)
     {
         return InsertAt(slot, key, value, KeyOnly{});
@@ -149,20 +161,25 @@ public:
     template <class Match>
     std::int32_t InsertAt(std::int32_t slot, std::uint32_t key, V value, const Match& match)
     {
+        if (FIndex) [[unlikely]]
+            return AppendListed(key, value, match);
         const std::uint32_t i = Unsigned(slot);
         Slot carried{key, value};
         std::uint32_t at = i;
-        for (std::uint32_t steps = 0; FSlots[at].Key != at; at = (at + 1) & FMask) {
-            if (++steps > kShortShift) [[unlikely]] {
-                ShiftUp(at);
+        std::uint32_t moved = 0;
+        for (; FSlots[at].Key != at; at = (at + 1) & FMask) {
+            if (++moved > kShortShift) [[unlikely]] {
+                moved += ShiftUp(at);
                 break;
             }
             std::swap(carried, FSlots[at]);
         }
         FSlots[at] = carried;
         ++FCount;
-        if (((i - key) & FMask) > kLongProbe) [[unlikely]]
-            UpdateIndex(Home(key), (i - key) & FMask, value, match);
+        if (moved > kShortShift || ((i - key) & FMask) > kLongGroup) [[unlikely]] {
+            if (FSeededName && IsCrowded(i, moved))
+                return BecomeList(slot);
+        }
         return slot;
     }
 
@@ -186,8 +203,10 @@ public:
     {
         std::uint32_t i = Unsigned(slot);
         const V removed = FSlots[i].Value;
-        if (FIndex) [[unlikely]]
-            ForgetInIndex(i);
+        if (FIndex) [[unlikely]] {
+            RemoveListed(i);
+            return removed;
+        }
         std::uint32_t next = (i + 1) & FMask;
         while (((next - FSlots[next].Key) & FMask) >= 2) {
             FSlots[i] = FSlots[next];
@@ -231,36 +250,25 @@ private:
         return static_cast<std::int32_t>(size == kMaxSlots ? size - 1 : size - (size >> FillShift(count)));
     }
 
+    bool IsTaken(std::uint32_t slot) const noexcept
+    {
+        return FSlots[slot].Key != slot || (FIndex && slot < Unsigned(FCount));
+    }
+    std::uint32_t DistanceAt(std::uint32_t slot) const noexcept { return (slot - FSlots[slot].Key) & FMask; }
+
     bool Grow();
-    void ShiftUp(std::uint32_t slot) noexcept;
+    std::uint32_t ShiftUp(std::uint32_t slot) noexcept;
     void Reinsert(const Slot* old, std::uint32_t oldMask) noexcept;
 
-    /// The group of one home slot, in probe counts from that slot; Stop is behind the last entry.
-    struct Group {
-        std::uint32_t Start;
-        std::uint32_t Stop;
-        const CollisionGroup* Index; // null unless it covers the whole group
-    };
+    /// Slots by seeded hash. Its own keys cannot be aimed at, so it never becomes a list.
+    using Index = HashTable<std::uint32_t>;
 
-    std::uint32_t DistanceAtProbe(std::uint32_t home, std::uint32_t count) const noexcept
-    {
-        const std::uint32_t i = (home + count - 1) & FMask;
-        return (i - FSlots[i].Key) & FMask;
-    }
-    template <class Reached> std::uint32_t FirstProbe(Reached reached) const;
-    bool IsGroupStart(std::uint32_t home, std::uint32_t count) const noexcept;
-    bool IsGroupStop(std::uint32_t home, std::uint32_t count) const noexcept;
-    std::uint32_t GroupStart(std::uint32_t home) const noexcept;
-    std::uint32_t GroupStop(std::uint32_t home) const noexcept;
-    Group GroupOf(std::uint32_t home) const;
-    CollisionGroup* IndexOf(std::uint32_t home) const;
-    template <class Match> std::int32_t FindFar(std::uint32_t key, const Match& match) const;
-    template <class Match>
-    void UpdateIndex(std::uint32_t home, std::uint32_t lastProbe, V value, const Match& match) noexcept;
-    void CatchUp(std::uint32_t home, std::uint32_t start, std::uint32_t size) noexcept;
-    void ForgetInIndex(std::uint32_t slot) noexcept;
-    void RebuildIndex(std::uint32_t oldMask) noexcept;
-    void Adopt(std::uint32_t home, CollisionGroup&& index) noexcept;
+    bool IsCrowded(std::uint32_t slot, std::uint32_t moved) const noexcept;
+    std::int32_t BecomeList(std::int32_t slot) noexcept;
+    template <class Match> std::int32_t FindListed(std::uint32_t key, const Match& match) const;
+    template <class Match> std::int32_t AppendListed(std::uint32_t key, V value, const Match& match);
+    void RemoveListed(std::uint32_t slot);
+    std::int32_t IndexOf(std::uint32_t slot) const;
 
     Slot* FSlots = nullptr;
     std::uint32_t FMask = 0;
@@ -268,7 +276,7 @@ private:
     std::int32_t FGrowLimit = 0;
     SeededNameFunc FSeededName = nullptr;
     std::intptr_t FNameContext = 0;
-    std::unique_ptr<CollisionIndex> FIndex;
+    std::unique_ptr<Index> FIndex; // in a list only
 };
 
 }

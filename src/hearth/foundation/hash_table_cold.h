@@ -1,10 +1,34 @@
-// The rare paths of the dictionaries' table: growth, shifts over the end, long groups of one home.
+// The rare paths of the dictionaries' table: copies, growth, shifts over the end, the list of crowded names.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <hearth/foundation/hash_table.h>
 
+#include <exception>
+
 namespace ht::detail {
+
+template <class V>
+HashTable<V>::HashTable(const HashTable& other)
+    : FSlots(static_cast<Slot*>(memory::Allocate(std::size_t{other.SlotCount()} * sizeof(Slot))))
+    , FMask(other.FMask)
+    , FCount(other.FCount)
+    , FGrowLimit(other.FGrowLimit)
+{
+    assert(!other.FSeededName);
+    std::memcpy(static_cast<void*>(FSlots), other.FSlots, std::size_t{SlotCount()} * sizeof(Slot));
+}
+
+template <class V> HashTable<V>& HashTable<V>::operator=(const HashTable& other)
+{
+    assert(!FSeededName);
+    HashTable copy(other);
+    std::swap(FSlots, copy.FSlots);
+    FMask = other.FMask;
+    FCount = other.FCount;
+    FGrowLimit = other.FGrowLimit;
+    return *this;
+}
 
 template <class V> void HashTable<V>::SetCapacity(std::int32_t capacity)
 {
@@ -20,11 +44,11 @@ template <class V> void HashTable<V>::SetCapacity(std::int32_t capacity)
     Slot* old = std::exchange(FSlots, NewSlots(size));
     const std::uint32_t oldMask = std::exchange(FMask, size - 1);
     FGrowLimit = limit;
-    if (FCount > 0)
+    if (FIndex)
+        std::copy_n(old, FCount, FSlots);
+    else if (FCount > 0)
         Reinsert(old, oldMask);
     memory::Free(old);
-    if (FIndex)
-        RebuildIndex(oldMask);
 }
 
 template <class V> bool HashTable<V>::Grow()
@@ -73,26 +97,29 @@ template <class V> void HashTable<V>::Reinsert(const Slot* old, std::uint32_t ol
     }
 }
 
-template <class V> void HashTable<V>::ShiftUp(std::uint32_t slot) noexcept
+/// Moves the entries from `slot` up to the next empty one by a slot; returns how many.
+template <class V> std::uint32_t HashTable<V>::ShiftUp(std::uint32_t slot) noexcept
 {
     std::uint32_t empty = slot;
     while (FSlots[empty].Key != empty)
         empty = (empty + 1) & FMask;
+    const std::uint32_t moved = (empty - slot) & FMask;
     if (empty < slot) {
         std::memmove(static_cast<void*>(FSlots + 1), FSlots, empty * sizeof(Slot));
         FSlots[0] = FSlots[FMask];
         empty = FMask;
     }
     std::memmove(static_cast<void*>(FSlots + slot + 1), FSlots + slot, (empty - slot) * sizeof(Slot));
+    return moved;
 }
 
 template <class V> template <class Drop> void HashTable<V>::Clear(std::int32_t capacity, Drop drop)
 {
     const std::uint32_t size = HashTableSize(capacity, 0);
-    FIndex.reset();
+    const std::uint32_t listed = std::exchange(FIndex, nullptr) ? Unsigned(FCount) : 0;
     if (std::exchange(FCount, 0) > 0) {
         for (std::uint32_t i = 0; i <= FMask; ++i) {
-            if (FSlots[i].Key == i)
+            if (FSlots[i].Key == i && i >= listed)
                 continue;
             const V value = FSlots[i].Value;
             FSlots[i] = {i, V{}};
@@ -105,183 +132,108 @@ template <class V> template <class Drop> void HashTable<V>::Clear(std::int32_t c
         FGrowLimit = GrowLimitFor(size, 0);
 }
 
-// Seen from home slot h, the entries of earlier homes come first (their distance is greater than the probe
-// count), then the group of h (equal), then everything else (less). So both ends of a group are found by
-// bisection.
-
-/// The first probe count for which `reached(count)` holds, where it holds for all counts behind it.
-template <class V> template <class Reached> std::uint32_t HashTable<V>::FirstProbe(Reached reached) const
+/// After an insertion at `slot` that has moved `moved` entries up: whether the group of its home has become
+/// long, or an entry far from its home. From one slot to the next the distance grows by one at most, so of
+/// the entries moved a few samples tell; none stands further away than one step more than a long probe.
+template <class V> bool HashTable<V>::IsCrowded(std::uint32_t slot, std::uint32_t moved) const noexcept
 {
-    std::uint32_t low = 0;
-    std::uint32_t high = 1;
-    while (high <= FMask && !reached(high)) {
-        low = high;
-        high *= 2;
+    constexpr std::uint32_t kStep = kLongProbe / 4;
+    const std::uint32_t distance = DistanceAt(slot);
+    // All slots from the home on are taken and sorted, and the new entry is the last one of its group.
+    if (distance > kLongGroup && Home(FSlots[(slot - kLongGroup) & FMask].Key) == Home(FSlots[slot].Key))
+        return true;
+    for (std::uint32_t offset = 0; offset <= moved; offset += kStep) {
+        if (DistanceAt((slot + offset) & FMask) > kLongProbe)
+            return true;
     }
-    while (high - low > 1) {
-        const std::uint32_t middle = low + (high - low) / 2;
-        (reached(middle) ? high : low) = middle;
+    return false;
+}
+
+/// Moves the entries together at the front and notes them in an index. Returns where the entry of `slot` went
+/// to. Without memory for the index the table stays as it is and its runs are walked.
+template <class V> std::int32_t HashTable<V>::BecomeList(std::int32_t slot) noexcept
+{
+    std::unique_ptr<Index> index;
+    try {
+        index = std::make_unique<Index>(FCount); // grows no more below
+    } catch (const std::exception&) {
+        return slot;
     }
-    return high;
+    std::uint32_t end = 0;
+    std::uint32_t place = 0;
+    for (std::uint32_t from = 0; from <= FMask; ++from) {
+        if (FSlots[from].Key == from)
+            continue;
+        if (from == Unsigned(slot))
+            place = end;
+        const Slot entry = std::exchange(FSlots[from], Slot{from, V{}});
+        FSlots[end] = entry;
+        const std::uint32_t seeded = FSeededName(FNameContext, entry.Value);
+        index->InsertAt(~index->Find(seeded, NeverSame{}), seeded, end);
+        ++end;
+    }
+    FIndex = std::move(index);
+    return static_cast<std::int32_t>(place);
 }
 
-template <class V> bool HashTable<V>::IsGroupStart(std::uint32_t home, std::uint32_t count) const noexcept
-{
-    return DistanceAtProbe(home, count) <= count
-        && (count == 1 || DistanceAtProbe(home, count - 1) > count - 1);
-}
-
-template <class V> bool HashTable<V>::IsGroupStop(std::uint32_t home, std::uint32_t count) const noexcept
-{
-    return DistanceAtProbe(home, count) < count
-        && (count == 1 || DistanceAtProbe(home, count - 1) >= count - 1);
-}
-
-template <class V> std::uint32_t HashTable<V>::GroupStart(std::uint32_t home) const noexcept
-{
-    return FirstProbe([&](std::uint32_t count) { return DistanceAtProbe(home, count) <= count; });
-}
-
-template <class V> std::uint32_t HashTable<V>::GroupStop(std::uint32_t home) const noexcept
-{
-    return FirstProbe([&](std::uint32_t count) { return DistanceAtProbe(home, count) < count; });
-}
-
-template <class V> CollisionGroup* HashTable<V>::IndexOf(std::uint32_t home) const
-{
-    if (!FIndex)
-        return nullptr;
-    const auto found = FIndex->find(home);
-    return found != FIndex->end() ? &found->second : nullptr;
-}
-
-template <class V> auto HashTable<V>::GroupOf(std::uint32_t home) const -> Group
-{
-    const CollisionGroup* index = IndexOf(home);
-    if (index && IsGroupStart(home, index->FirstProbe())
-        && IsGroupStop(home, index->FirstProbe() + index->Count()))
-        return {index->FirstProbe(), index->FirstProbe() + index->Count(), index};
-    const std::uint32_t start = GroupStart(home);
-    const std::uint32_t stop = GroupStop(home);
-    return {start, stop, index && index->Count() == stop - start ? index : nullptr};
-}
+/// The matcher of an entry in the index: `is(slot)` tells whether it is the one looked for.
+template <class Is> struct ListedMatch {
+    Is Test;
+    bool Same(std::uint32_t slot) const { return Test(slot); }
+};
 
 template <class V>
 template <class Match>
-std::int32_t HashTable<V>::FindFar(std::uint32_t key, const Match& match) const
+std::int32_t HashTable<V>::FindListed(std::uint32_t key, const Match& match) const
 {
-    const std::uint32_t home = Home(key);
-    const Group group = GroupOf(home);
-    const std::uint32_t first = home + group.Start - 1;
-    const auto isHit = [&](std::uint32_t offset) {
-        const Slot& slot = FSlots[(first + offset) & FMask];
-        return slot.Key == key && match.Same(slot.Value);
+    const auto isHit = [&](std::uint32_t slot) {
+        return FSlots[slot].Key == key && match.Same(FSlots[slot].Value);
     };
-    std::int32_t hit = -1;
-    bool searched = false;
     if constexpr (requires { match.Seeded(); }) {
-        searched = group.Index != nullptr;
-        if (searched)
-            hit = group.Index->Find(match.Seeded(), isHit);
+        const std::int32_t found = FIndex->Find(match.Seeded(), ListedMatch{isHit});
+        return found >= 0 ? static_cast<std::int32_t>(FIndex->ValueAt(found)) : ~FCount;
+    } else {
+        for (std::int32_t slot = 0; slot < FCount; ++slot) {
+            if (isHit(Unsigned(slot)))
+                return slot;
+        }
+        return ~FCount;
     }
-    for (std::uint32_t offset = 0; !searched && hit < 0 && offset < group.Stop - group.Start; ++offset)
-        hit = isHit(offset) ? static_cast<std::int32_t>(offset) : -1;
-    if (hit < 0)
-        return ~static_cast<std::int32_t>((home + group.Stop - 1) & FMask);
-    return static_cast<std::int32_t>((first + Unsigned(hit)) & FMask);
 }
 
-/// After an insertion, which always stands at the end of its group, at `lastProbe`.
 template <class V>
 template <class Match>
-void HashTable<V>::UpdateIndex(
-    std::uint32_t home, std::uint32_t lastProbe, V value, const Match& match) noexcept
+std::int32_t HashTable<V>::AppendListed(std::uint32_t key, V value, const Match& match)
 {
-    if (!FSeededName)
-        return;
-    CollisionGroup* const index = IndexOf(home);
-    const bool inPlace =
-        index && lastProbe - index->FirstProbe() == index->Count() && IsGroupStart(home, index->FirstProbe());
-    if (!inPlace) {
-        const std::uint32_t start = GroupStart(home);
-        CatchUp(home, start, lastProbe + 1 - start);
-        return;
-    }
-    try {
-        if constexpr (requires { match.Seeded(); })
-            index->Append(match.Seeded());
-        else
-            index->Append(FSeededName(FNameContext, value));
-    } catch (...) {
-        FIndex->erase(home);
-    }
+    FIndex->GrowIfFull();
+    std::uint32_t seeded = 0;
+    if constexpr (requires { match.Seeded(); })
+        seeded = match.Seeded();
+    else
+        seeded = FSeededName(FNameContext, value);
+    FIndex->InsertAt(~FIndex->Find(seeded, NeverSame{}), seeded, Unsigned(FCount));
+    FSlots[FCount] = {key, value};
+    return FCount++;
 }
 
-/// Notes what the index of a group lacks, always entries at its end. Without memory for it the group is
-/// walked.
-template <class V>
-void HashTable<V>::CatchUp(std::uint32_t home, std::uint32_t start, std::uint32_t size) noexcept
+/// The last entry takes the place of the one that leaves.
+template <class V> void HashTable<V>::RemoveListed(std::uint32_t slot)
 {
-    if (size <= kLongProbe)
-        return;
-    try {
-        if (!FIndex)
-            FIndex = std::make_unique<CollisionIndex>();
-        CollisionGroup& index = (*FIndex)[home];
-        index.SetFirstProbe(start);
-        while (index.Count() < size) {
-            const Slot& slot = FSlots[(home + start - 1 + index.Count()) & FMask];
-            index.Append(FSeededName(FNameContext, slot.Value));
-        }
-    } catch (...) {
-        if (FIndex)
-            FIndex->erase(home);
+    const std::uint32_t last = Unsigned(FCount) - 1;
+    FIndex->RemoveAt(IndexOf(slot));
+    if (slot != last) {
+        FIndex->ValueAt(IndexOf(last)) = slot;
+        FSlots[slot] = FSlots[last];
     }
+    FSlots[last] = {last, V{}};
+    --FCount;
 }
 
-template <class V> void HashTable<V>::ForgetInIndex(std::uint32_t slot) noexcept
+/// Where the index holds the entry of a slot.
+template <class V> std::int32_t HashTable<V>::IndexOf(std::uint32_t slot) const
 {
-    const std::uint32_t home = Home(FSlots[slot].Key);
-    CollisionGroup* index = IndexOf(home);
-    if (!index)
-        return;
-    const bool inPlace = IsGroupStart(home, index->FirstProbe());
-    const std::uint32_t start = inPlace ? index->FirstProbe() : GroupStart(home);
-    const std::uint32_t first = (home + start - 1) & FMask;
-    index->Remove((slot - first) & FMask);
-    if (index->Count() == 0)
-        FIndex->erase(home);
-}
-
-/// A group splits when the table grows: its entries go to the old home or to it plus a multiple of the old
-/// size. One that stays whole keeps its index.
-template <class V> void HashTable<V>::RebuildIndex(std::uint32_t oldMask) noexcept
-{
-    const std::unique_ptr<CollisionIndex> old = std::exchange(FIndex, nullptr);
-    for (auto& [oldHome, index] : *old) {
-        const std::uint32_t covered = index.Count();
-        for (std::uint32_t home = oldHome; home <= FMask; home += oldMask + 1) {
-            const std::uint32_t start = GroupStart(home);
-            const std::uint32_t size = GroupStop(home) - start;
-            if (size == covered && size > kLongProbe) {
-                Adopt(home, std::move(index));
-                CatchUp(home, start, size);
-                break; // the other homes got nothing of it
-            }
-            CatchUp(home, start, size);
-        }
-    }
-}
-
-template <class V> void HashTable<V>::Adopt(std::uint32_t home, CollisionGroup&& index) noexcept
-{
-    try {
-        if (!FIndex)
-            FIndex = std::make_unique<CollisionIndex>();
-        FIndex->insert_or_assign(home, std::move(index));
-    } catch (...) {
-        FIndex.reset();
-    }
+    const auto isIt = [slot](std::uint32_t other) { return other == slot; };
+    return FIndex->Find(FSeededName(FNameContext, FSlots[slot].Value), ListedMatch{isIt});
 }
 
 }

@@ -6,7 +6,8 @@
 
 namespace ht {
 
-/// Integers with a word each; with `scramble` sequential keys are spread over the table.
+/// Integers with a word each; with `scramble` sequential keys are spread over the table. A plain value: a
+/// copy has slots of its own, and what was moved from is still whole.
 class HT_API TShaIntegerBox {
 public:
     /// Throws EOutOfMemory for a capacity above 2^30.

@@ -65,7 +65,8 @@ public:
     /// Null for an absent key.
     V Get(std::uint32_t key) const { return ValueOrNull(InternalFind(key)); }
 
-    /// Walks the slots: start with index 0; null at the end.
+    /// Walks the slots: start with index 0; null at the end. A null that was added as a value ends the walk
+    /// too; what stands behind it comes when the walk goes on with the same index.
     V GetNext(std::int32_t& index) const
     {
         const std::int32_t slot = FTable.NextSlot(index);

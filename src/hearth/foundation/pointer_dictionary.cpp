@@ -23,11 +23,6 @@ std::string_view BytesOf(const char* src, std::int32_t length) noexcept
     return length < 1 ? std::string_view() : std::string_view(src, static_cast<std::size_t>(length));
 }
 
-/// The matcher of a search for the end of a group: no entry is a hit.
-struct NeverSame {
-    static constexpr bool Same(const void*) noexcept { return false; }
-};
-
 struct CallbackMatch {
     THtVirtualCompareFunc Compare;
     const void* Item;
@@ -195,8 +190,11 @@ std::int32_t THtUTF8Dictionary::AddHashed(std::uint32_t hash, std::string_view n
 
 std::int32_t THtUTF8Dictionary::AddUnique(std::uint32_t offset)
 {
-    const std::uint32_t hash = ShaPerfectHashANSI(NameAt(offset));
-    return FTable.Store(hash, NeverSame{}, PointerOf(offset)).Slot;
+    struct NewName : Match {
+        static constexpr bool Same(const void*) noexcept { return false; }
+    };
+    const std::string_view name = NameAt(offset);
+    return FTable.Store(ShaPerfectHashANSI(name), NewName{MatchOf(name)}, PointerOf(offset)).Slot;
 }
 
 std::int32_t THtUTF8Dictionary::AddWithIndex(

@@ -91,7 +91,7 @@ public:
 using THtVirtualHashFunc = std::uint32_t (*)(const void* item);
 using THtVirtualCompareFunc = bool (*)(const void* a, const void* b);
 
-/// Items that are compared and hashed by callbacks. Groups of equal hashes are walked, whatever their length.
+/// Items that are compared and hashed by callbacks. Equal hashes are walked, however many there are.
 class HT_API THtVirtualDictionary : public THtIdPointerDictionary {
 public:
     THtVirtualDictionary(THtVirtualHashFunc hashFunc, THtVirtualCompareFunc compareFunc);

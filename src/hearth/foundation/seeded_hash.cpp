@@ -1,6 +1,6 @@
-// The seeded hash and the groups of the side index.
+// The seeded hash and its seed.
 // SPDX-License-Identifier: MIT
-#include <hearth/foundation/collision_index.h>
+#include <hearth/foundation/seeded_hash.h>
 
 #include <bit>
 #include <chrono>
@@ -98,52 +98,6 @@ std::uint32_t SeededHash(const void* bytes, std::size_t size) noexcept
         std::memcpy(&last, p, left);
     state.Block(last | (std::uint64_t{size} << 56));
     return static_cast<std::uint32_t>(state.Finish());
-}
-
-void CollisionGroup::Place(std::uint32_t offset) noexcept
-{
-    std::size_t i = FHashes[offset] & FMask;
-    while (FPlaces[i] != kFree)
-        i = (i + 1) & FMask;
-    FPlaces[i] = offset;
-    ++FUsed;
-}
-
-void CollisionGroup::Append(std::uint32_t seededHash)
-{
-    FHashes.push_back(seededHash);
-    if (FUsed + 1 > FPlaces.size() / 2)
-        Rebuild();
-    else
-        Place(Count() - 1);
-}
-
-/// Grows, or only sweeps the removed entries out. Goes by offset, so entries of one hash keep their order.
-void CollisionGroup::Rebuild()
-{
-    std::size_t size = kFirstSize;
-    while (size / 4 < FHashes.size())
-        size *= 2;
-    FPlaces.assign(size, kFree);
-    FMask = size - 1;
-    FUsed = 0;
-    for (std::uint32_t offset = 0; offset < Count(); ++offset)
-        Place(offset);
-}
-
-void CollisionGroup::Remove(std::uint32_t offset)
-{
-    if (offset >= Count())
-        return;
-    std::size_t i = FHashes[offset] & FMask;
-    while (FPlaces[i] != offset)
-        i = (i + 1) & FMask;
-    FPlaces[i] = kGone;
-    FHashes.erase(FHashes.begin() + static_cast<std::ptrdiff_t>(offset));
-    if (offset == Count())
-        return;
-    for (std::uint32_t& place : FPlaces)
-        place -= place > offset && place < kGone ? 1U : 0U;
 }
 
 }
