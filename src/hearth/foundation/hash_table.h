@@ -20,9 +20,10 @@ inline constexpr std::uint32_t kMaxSlots = 0x40000000;
 /// Entries above which a table is filled to seven eighths instead of three quarters.
 inline constexpr std::int32_t kDenseCount = 100'000;
 /// Entries of one home, and probes from an entry's home to its slot, above which a table of names becomes a
-/// list. Names that nobody chose for it stay far below: even the runs of hashes that numbered names make.
+/// list. Names that nobody chose for it stay below: the runs of hashes that numbered names make reach groups
+/// of 10 and, up to a hundred thousand of them, 340 probes.
 inline constexpr std::uint32_t kLongGroup = 32;
-inline constexpr std::uint32_t kLongProbe = 1024;
+inline constexpr std::uint32_t kLongProbe = 512;
 /// Entries that an insertion moves one by one before it moves the rest as a block.
 inline constexpr std::uint32_t kShortShift = 16;
 
