@@ -160,6 +160,16 @@ Step NamesOfOneHash(std::int64_t n)
     return ParseOf(String(text));
 }
 
+/// The last unit of a name is added to its hash: two groups in neighbouring places, the second one first.
+Step NamesOfTwoHashes(std::int64_t n)
+{
+    static const CollidingNames names;
+    std::u16string text;
+    for (std::int64_t i = 0; i < n; ++i)
+        text.append(u"<").append(names.Name(i)).append(i < n / 2 ? u"b/>" : u"a/>");
+    return ParseOf(String(text));
+}
+
 /// The same number of names of the same length, to compare with.
 Step OrdinaryNames(std::int64_t n)
 {
@@ -253,6 +263,7 @@ constexpr Row kRows[] = {
     {"numbers without an end", OddNumbers, 50'000},
     {"attributes in random order", AttributesOutOfOrder, 500'000},
     {"names of one hash", NamesOfOneHash, 65'536},
+    {"names of two hashes", NamesOfTwoHashes, 65'536},
     {"as many ordinary names", OrdinaryNames, 65'536},
     {"comments in a style", CommentsInStyle, 1'000'000},
     {"unknown closing tags", UnknownClosingTags, 500'000},

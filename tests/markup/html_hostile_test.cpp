@@ -7,13 +7,14 @@
 #include <pthread.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
+#include <optional>
 #include <random>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -214,30 +215,35 @@ TEST(html_hostile, many_different_attributes_in_random_order)
     EXPECT_LT(Seconds([&] { parse(1'000'000 / kScale); }), 30);
 }
 
-/// Different names with one hash. The hash is a sum of weighted units: two pieces that collide at one place
-/// do so whatever stands around them, so each place is filled with one of two such pieces.
-std::vector<std::u16string> CollidingNames(std::size_t count)
+/// Different names of ten units, short enough to be interned as attributes. Their hashes are `hash` where one
+/// is given: eight letters are drawn, and of the last two units the second is sought that leads back from the
+/// hash to what the letters and the first make.
+std::vector<std::u16string> MakeNames(std::size_t count, std::optional<std::uint32_t> hash)
 {
-    constexpr std::size_t kPlaces = 17;
-    constexpr std::size_t kPiece = 7;
+    constexpr std::size_t kDrawn = 8;
+    constexpr std::uint32_t kFirst = 0x4E00;
+    constexpr std::uint32_t kUnits = 0x5000;
+    std::uint32_t factor = RSHasher::kFirstFactor;
+    for (std::size_t i = 0; i < kDrawn; ++i)
+        factor *= RSHasher::kFactorStep;
+    const std::uint32_t lastFactor = factor * RSHasher::kFactorStep;
+    std::uint32_t inverse = lastFactor;
+    for (int step = 0; step < 4; ++step)
+        inverse *= 2 - lastFactor * inverse;
+    std::map<std::uint32_t, std::uint32_t> lastUnits; // by the hash before them
+    for (std::uint32_t last = kFirst; last < kFirst + kUnits; ++last)
+        lastUnits[(hash.value_or(0) - last) * inverse] = last;
     std::mt19937 random(9);
-    std::u16string name(kPlaces * kPiece, u'a');
-    std::array<std::array<std::u16string, 2>, kPlaces> pieces;
-    for (std::size_t place = 0; place < kPlaces; ++place) {
-        std::unordered_map<std::uint32_t, std::u16string> seen;
-        for (bool found = false; !found;) {
-            const std::u16string piece = RandomLetters(random, kPiece);
-            name.replace(place * kPiece, kPiece, piece);
-            const auto [entry, isNew] = seen.emplace(RSHash(name), piece);
-            found = !isNew && entry->second != piece;
-            if (found)
-                pieces[place] = {entry->second, piece};
-        }
-    }
-    std::vector<std::u16string> names(count, name);
-    for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t place = 0; place < kPlaces; ++place)
-            names[i].replace(place * kPiece, kPiece, pieces[place][i >> place & 1U]);
+    std::vector<std::u16string> names;
+    while (names.size() < count) {
+        std::u16string name = RandomLetters(random, kDrawn);
+        const std::uint32_t least = RSHash(name) * factor + kFirst;
+        const auto found = lastUnits.lower_bound(least);
+        if (hash && (found == lastUnits.end() || found->first - least >= kUnits))
+            continue;
+        name.push_back(static_cast<char16_t>(kFirst + (hash ? found->first - least : random() % kUnits)));
+        name.push_back(static_cast<char16_t>(hash ? found->second : kFirst + random() % kUnits));
+        names.push_back(std::move(name));
     }
     return names;
 }
@@ -251,32 +257,49 @@ TEST(html_hostile, equals_signs_repeat_a_long_piece_a_few_times_only)
     });
 }
 
-TEST(html_hostile, tag_names_that_share_one_hash_cost_what_others_cost)
+/// The names as tags, or as attributes of ten to a tag.
+String Markup(const std::vector<std::u16string>& names, bool attributes)
 {
-    const std::vector<std::u16string> names = CollidingNames(100'000 / kScale);
-    std::mt19937 random(10);
-    std::u16string colliding;
-    std::u16string ordinary;
-    for (const std::u16string& name : names) {
-        ASSERT_EQ(RSHash(name), RSHash(names[0]));
-        colliding.append(u"<").append(name).append(u"/>");
-        ordinary.append(u"<").append(RandomLetters(random, name.size())).append(u"/>");
+    std::u16string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!attributes)
+            text.append(u"<").append(names[i]).append(u"/>");
+        else
+            text.append(i % 10 == 0 ? u"<br " : u" ").append(names[i]).append(i % 10 == 9 ? u">" : u"");
     }
-    const auto parse = [&names](const String& text) {
-        THtmlNode root;
-        root.Parse(text);
-        EXPECT_EQ(root.Count(), static_cast<std::int32_t>(names.size()));
-    };
-    const String ordinaryText(ordinary);
-    const String collidingText(colliding);
-    parse(ordinaryText);
-    const double usual = Seconds([&] { parse(ordinaryText); });
-    const double hostile = Seconds([&] { parse(collidingText); });
-    EXPECT_LT(hostile, usual * 3 + 0.2) << "ordinary names: " << usual;
-    THtmlNode root;
-    root.Parse(collidingText);
-    for (std::size_t i = 0; i < names.size(); i += 97)
-        ASSERT_EQ(root.GetNode(static_cast<std::int32_t>(i))->Tag(), names[i]);
+    return String(text);
+}
+
+TEST(html_hostile, names_that_share_hashes_cost_what_others_cost)
+{
+    constexpr std::size_t kCount = 100'000 / kScale;
+    const std::vector<std::u16string> ordinary = MakeNames(kCount, {});
+    const std::vector<std::u16string> oneHash = MakeNames(kCount, 77);
+    // Two groups in neighbouring homes, the second one first.
+    std::vector<std::u16string> twoHashes = MakeNames(kCount / 2, 78);
+    twoHashes.insert(twoHashes.end(), oneHash.begin(), oneHash.begin() + kCount / 2);
+    ASSERT_EQ(RSHash(oneHash.back()), 77U);
+    ASSERT_EQ(RSHash(twoHashes.front()), 78U);
+    for (const bool attributes : {false, true}) {
+        const auto parse = [](const String& text) {
+            THtmlNode root;
+            root.Parse(text);
+            EXPECT_GE(root.Count(), static_cast<std::int32_t>(kCount / 10));
+        };
+        const String usualText = Markup(ordinary, attributes);
+        parse(usualText);
+        const double usual = Seconds([&] { parse(usualText); });
+        for (const auto* names : {&oneHash, &std::as_const(twoHashes)}) {
+            const String text = Markup(*names, attributes);
+            EXPECT_LT(Seconds([&] { parse(text); }), usual * 3 + 0.2) << attributes << ", usual " << usual;
+            THtmlNode root;
+            root.Parse(text);
+            for (std::size_t i = 0; i < names->size(); i += 97) {
+                const THtNode* node = root.GetNode(static_cast<std::int32_t>(attributes ? i / 10 : i));
+                ASSERT_TRUE(attributes ? node->HasAttribute((*names)[i]) : node->Tag() == (*names)[i]);
+            }
+        }
+    }
 }
 
 TEST(html_hostile, style_bodies_of_comment_marks)
