@@ -271,7 +271,7 @@ constexpr Row kRows[] = {
     {"images in table bodies", ImagesInTableBodies, 20'000},
     {"meta in the middle", MetaInTheMiddle, 200'000},
     {"deep text", DeepText, 300'000},
-    {"blanks in front of end tags", BlanksBeforeEndTags, 100},
+    {"blanks in front of end tags", BlanksBeforeEndTags, 200},
     {"half pairs", HalfPairs, 500'000},
 };
 
