@@ -177,9 +177,16 @@ template <class V> std::int32_t HashTable<V>::BecomeList(std::int32_t slot) noex
 }
 
 /// The matcher of an entry in the index: `is(slot)` tells whether it is the one looked for.
-template <class Is> struct ListedMatch {
-    Is Test;
-    bool Same(std::uint32_t slot) const { return Test(slot); }
+template <class Is> class ListedMatch {
+public:
+    explicit ListedMatch(const Is& is)
+        : FIs(is)
+    {
+    }
+    bool Same(std::uint32_t slot) const { return FIs(slot); }
+
+private:
+    const Is& FIs;
 };
 
 template <class V>
@@ -190,7 +197,7 @@ std::int32_t HashTable<V>::FindListed(std::uint32_t key, const Match& match) con
         return FSlots[slot].Key == key && match.Same(FSlots[slot].Value);
     };
     if constexpr (requires { match.Seeded(); }) {
-        const std::int32_t found = FIndex->Find(match.Seeded(), ListedMatch{isHit});
+        const std::int32_t found = FIndex->Find(match.Seeded(), ListedMatch(isHit));
         return found >= 0 ? static_cast<std::int32_t>(FIndex->ValueAt(found)) : ~FCount;
     } else {
         for (std::int32_t slot = 0; slot < FCount; ++slot) {
@@ -233,7 +240,7 @@ template <class V> void HashTable<V>::RemoveListed(std::uint32_t slot)
 template <class V> std::int32_t HashTable<V>::IndexOf(std::uint32_t slot) const
 {
     const auto isIt = [slot](std::uint32_t other) { return other == slot; };
-    return FIndex->Find(FSeededName(FNameContext, FSlots[slot].Value), ListedMatch{isIt});
+    return FIndex->Find(FSeededName(FNameContext, FSlots[slot].Value), ListedMatch(isIt));
 }
 
 }
