@@ -59,6 +59,8 @@ public:
 
     /// Inserts without looking for an entry of that name.
     void Add(const String& AttrName, const String& AttrValue);
+    /// The form in which a name is stored.
+    String StoredName(const String& name) const;
     /// Inserts a name in the form in which it is stored, unless an entry of that name is here.
     void AddNew(const String& AttrName, String AttrValue)
     {
@@ -96,7 +98,6 @@ private:
     int Compare(std::u16string_view a, std::u16string_view b) const;
     void AddNewAnywhere(const String& AttrName, String&& AttrValue);
     bool FindSorted(std::u16string_view name, std::int32_t& index) const;
-    String StoredName(const String& name) const;
     // By value: what comes in may stand in an entry that moves.
     void InsertSorted(std::int32_t index, String name, String value);
     void InsertAt(std::int32_t index, String name, String value);

@@ -17,6 +17,7 @@ constexpr std::int32_t kAttrListCapacity = 511;
 constexpr std::u16string_view kMisreadMark = u"\u043F\u00BB\u0457";
 constexpr char16_t kByteOrderMark = 0xFEFF;
 
+/// ORDER: all kinds from htScript on have a text for their body.
 bool IsTextItem(THTMLTokenType type)
 {
     return type == htString || type >= htScript;

@@ -123,8 +123,7 @@ String THtmlParser::AttributeName()
     const THtNameRec* record = FTokenizer.NameRecord();
     if (record && (FCaseSensitive || record->IsLower))
         return name;
-    const bool keepsCase = FCaseSensitive || name.View().find(u'{') != std::u16string_view::npos;
-    const String folded = keepsCase ? name : name.ToLowerAscii();
+    const String folded = FAttributes.StoredName(name);
     if (folded.Length() > kMaxInternedName)
         return folded;
     return AttrList.Intern(RSHash(folded.View()), folded).Value;
