@@ -13,3 +13,4 @@
 #include <hearth/markup/html_tokenizer.h>
 #include <hearth/markup/node.h>
 #include <hearth/markup/node_list.h>
+#include <hearth/markup/xpath.h>

@@ -15,6 +15,8 @@
 
 namespace ht {
 
+struct TXPathNode;
+
 /// A class of nodes as a value: what the parser asks for before it makes a node.
 struct THtNodeClass {
     const TClassInfo* Info = nullptr;
@@ -32,7 +34,8 @@ struct THtNodeClass {
 /// destroys the subtree, however deep. A text node has no tag. Comment nodes have the tag "!", directives
 /// "?". Trees belong to one thread.
 ///
-/// node.cpp builds, node_navigate.cpp finds ways, node_attributes.cpp holds the typed attributes.
+/// node.cpp builds, node_navigate.cpp finds ways, node_attributes.cpp holds the typed attributes,
+/// xpath_match.cpp answers paths.
 class HT_API THtNode : public TObject {
 public:
     static constexpr TClassInfo kClassInfo{u"THtNode", &TObject::kClassInfo};
@@ -160,6 +163,30 @@ public:
     /// The `Index`-th direct child with that tag, from 0; null if there are fewer.
     THtNode* NodebyNameIndex(std::u16string_view AName, std::int32_t Index) const noexcept;
 
+    // Paths, as xpath.h tells them. All start at this node, also when the path begins with "/"; only
+    // XPathValue then starts at the root. A way that is found twice is answered twice. Throw
+    // EHtmlParserException when the limits of HtLimits() for results or nested predicates are passed.
+
+    /// The matches in document order, or the first one; never null, and to be held while it is read
+    /// (not `for (... : *node.XPath(...))`). `Current` is where the step "current"
+    /// leads, this node if null.
+    std::shared_ptr<IHtNodeList> XPath(
+        std::u16string_view path, bool FirstOnly = false, THtNode* Current = nullptr);
+    /// Finds the same matches, then calls `Proc` for each of them; so it may change the tree as long as it
+    /// destroys no match that is still to come.
+    template <std::invocable<THtNode&, bool&> Proc> void XPath(std::u16string_view path, Proc&& proc)
+    {
+        CallXPath(path, THtNodeProcRef(std::forward<Proc>(proc)));
+    }
+    /// The first text that is not empty of what matches (of an attribute its value); empty for no match.
+    String XPathValue(std::u16string_view path, THtNode* Current = nullptr);
+    /// Tests the conditions of a step on this node, whatever its tag.
+    bool EvaluateCondition(const TXPathNode& PathNode);
+    /// Walks from this node along a step and those behind it. The matches go to the end of `Nodes`, or the
+    /// text to the Value of the step's processor when that is null.
+    void InternalXPath(const TXPathNode& PathNode, THtNodeList* Nodes, bool FirstOnly);
+    void InternalXPathRef(const TXPathNode& PathNode, const THtNodeProcRef& Proc);
+
     // Attributes.
 
     /// The value, empty if the attribute is absent.
@@ -206,6 +233,9 @@ public:
     TDateTime AsDateTime(std::u16string_view AttrName) const { return GetDateTime(AttrName); }
     TDateTime Time(std::u16string_view AttrName) const { return GetTime(AttrName); }
     TDateTime AsTime(std::u16string_view AttrName) const { return GetTime(AttrName); }
+
+private:
+    void CallXPath(std::u16string_view path, const THtNodeProcRef& Proc);
 
 protected:
     /// The store, made on first use.

@@ -5,6 +5,7 @@
 #include <hearth/runtime/object.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -83,5 +84,20 @@ private:
     THtNode** FItems = FInline;
     THtNode* FInline[kInlineCapacity]{};
 };
+
+/// A result set that everybody who holds it shares. Lifetime: the nodes are the tree's.
+class HT_API IHtNodeList {
+public:
+    virtual ~IHtNodeList();
+    virtual THtNodeList& List() noexcept = 0;
+
+    std::int32_t Count() { return List().Count(); }
+    THtNode* operator[](std::int32_t index) { return List()[index]; }
+    THtNode* const* begin() { return List().begin(); }
+    THtNode* const* end() { return List().end(); }
+};
+
+/// Called for each node that a query finds; setting `Stop` ends the calls.
+using THtNodeProcRef = std::function<void(THtNode& Node, bool& Stop)>;
 
 }
