@@ -37,6 +37,11 @@ EAbstractError::EAbstractError()
 {
 }
 
+EInvalidCast::EInvalidCast()
+    : Exception(u"Invalid class typecast"_s)
+{
+}
+
 void RaiseRangeError()
 {
     throw ERangeError();

@@ -65,6 +65,14 @@ public:
     const char16_t* ClassName() const noexcept override { return u"EConvertError"; }
 };
 
+/// An object or value is not of the class or type that was asked for.
+class HT_API EInvalidCast : public Exception {
+public:
+    using Exception::Exception;
+    EInvalidCast();
+    const char16_t* ClassName() const noexcept override { return u"EInvalidCast"; }
+};
+
 /// A list was used against its rules (index, capacity, duplicates).
 class HT_API EListError : public Exception {
 public:
