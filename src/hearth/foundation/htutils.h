@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/foundation/checksums.h>
 #include <hearth/foundation/date_text.h>
 #include <hearth/foundation/fast_raw_string.h>
 #include <hearth/foundation/fast_string.h>
