@@ -308,7 +308,7 @@ std::string EncodeIn(std::uint32_t codePage, std::u16string_view text)
 {
     switch (codePage) {
     case kUtf8CodePage:
-        return String(text).ToUtf8();
+        return EncodeUtf8(text);
     case kLatin1Page:
         return EncodeLatin1(text);
     case kUtf16LittleEndianCodePage:

@@ -287,6 +287,17 @@ constexpr char16_t FoldAscii(char16_t c) noexcept
 {
     return IsAsciiUpper(c) ? static_cast<char16_t>(c + 32) : c;
 }
+/// The value of a hexadecimal digit of either case; -1 for everything else.
+constexpr int HexDigitValue(char16_t c) noexcept
+{
+    if (IsAsciiDigit(c))
+        return c - u'0';
+    const char16_t lower = FoldAscii(c);
+    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+}
+
+/// What String::ToUtf8 gives, from text that is no String.
+HT_API std::string EncodeUtf8(std::u16string_view text);
 
 /// Equal when A to Z and a to z count as the same letters.
 HT_API bool SameText(std::u16string_view a, std::u16string_view b) noexcept;

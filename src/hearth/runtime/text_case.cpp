@@ -48,6 +48,12 @@ String AnsiUpperCase(const String& text)
     return IsAscii(text) ? text.ToUpperAscii() : Mapped(text, u_strToUpper);
 }
 
+char16_t AnsiCharLower(char16_t c) noexcept
+{
+    const UChar32 lower = u_tolower(c);
+    return lower < 0x10000 ? static_cast<char16_t>(lower) : c;
+}
+
 bool AnsiSameText(std::u16string_view a, std::u16string_view b)
 {
     return AnsiCompareText(a, b) == 0;

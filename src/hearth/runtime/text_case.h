@@ -11,6 +11,9 @@ namespace ht {
 HT_API String AnsiLowerCase(const String& text);
 HT_API String AnsiUpperCase(const String& text);
 
+/// One unit in lower case, the same in every locale; half of a pair stays as it is.
+HT_API char16_t AnsiCharLower(char16_t c) noexcept;
+
 /// Equal, or ordered by code point, after full case folding ("ß" equals "SS"). Compare: negative, 0
 /// or positive.
 HT_API bool AnsiSameText(std::u16string_view a, std::u16string_view b);

@@ -391,7 +391,12 @@ String String::FromUtf8(std::string_view bytes)
 
 std::string String::ToUtf8() const
 {
-    return detail::WithStorage([this] { return EncodeText(View()); });
+    return EncodeUtf8(View());
+}
+
+std::string EncodeUtf8(std::u16string_view text)
+{
+    return detail::WithStorage([text] { return EncodeText(text); });
 }
 
 }
