@@ -58,6 +58,20 @@ TEST(number_text, strict_reader_raises_with_the_text)
     }
 }
 
+TEST(number_text, hexadecimal_digits_reach_z_and_wrap_around)
+{
+    struct Row {
+        std::u16string_view text;
+        std::int32_t value;
+    };
+    const Row rows[] = {{u"", 0}, {u"ff", 255}, {u"0xFfh", 255}, {u"0x", 0}, {u"h", 0}, {u"hh", 17},
+        {u"0X1", 33 * 16 + 1}, {u"z0", 35 * 16}, {u"1-2", 0x102}, {u"ffffffff", -1},
+        {u"123456789abcdef0", static_cast<std::int32_t>(0x9ABCDEF0)}};
+    for (const Row& row : rows)
+        EXPECT_EQ(HexToDec(row.text), row.value) << String(row.text);
+    EXPECT_EQ(HexToDec(std::u16string(100, u'z')), static_cast<std::int32_t>(35U * 0x11111111U));
+}
+
 TEST(number_text, rounds_half_away_from_zero_within_32_bits)
 {
     struct Row {

@@ -320,6 +320,21 @@ std::int32_t iStrtoInt(std::u16string_view text) noexcept
     return StrToIntDef(text, 0);
 }
 
+std::int32_t HexToDec(std::u16string_view text) noexcept
+{
+    constexpr std::u16string_view kDigits = u"0123456789abcdefghijklmnopqrstuvwxyz";
+    if (text.starts_with(u"0x"))
+        text.remove_prefix(2);
+    if (text.ends_with(u'h') || text.ends_with(u'H'))
+        text.remove_suffix(1);
+    std::uint32_t value = 0;
+    for (const char16_t unit : text) {
+        const std::size_t digit = kDigits.find(FoldAscii(unit));
+        value = value * 16 + (digit == std::u16string_view::npos ? 0 : static_cast<std::uint32_t>(digit));
+    }
+    return static_cast<std::int32_t>(value);
+}
+
 std::int32_t MathRound(double value)
 {
     // Adding 0.5 in doubles would lift the greatest number below one half to 1.

@@ -20,6 +20,11 @@ HT_API double StrtoFloatCheck(std::u16string_view text, char16_t thousandSep, ch
 /// Decimal digits, or hexadecimal ones behind "$" or "0x", with blanks and a sign in front. A miss returns 0.
 HT_API std::int32_t iStrtoInt(std::u16string_view text) noexcept;
 
+/// Hexadecimal digits of either case between an optional "0x" and an optional "h" or "H". Letters behind "f"
+/// are digits up to 35, other units count as 0, and what passes 32 bits wraps around: "ffffffff" is -1. An
+/// empty text gives 0.
+HT_API std::int32_t HexToDec(std::u16string_view text) noexcept;
+
 /// The nearest whole number, halves away from zero. Throws ERangeError for what 32 bits cannot hold.
 HT_API std::int32_t MathRound(double value);
 

@@ -25,14 +25,6 @@ constexpr std::int32_t kScriptExponentLimit = 300;
     throw EConvertError(u"Incorrect number"_s);
 }
 
-constexpr int HexDigit(char16_t c)
-{
-    if (IsAsciiDigit(c))
-        return c - u'0';
-    const char16_t lower = FoldAscii(c);
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
-
 /// The sign of a based number: "+" and then "-" may both stand there.
 bool ReadBasedSign(TStringParser& parser)
 {
@@ -124,7 +116,7 @@ std::int64_t TStringParser::ReadHex()
     const bool negative = ReadBasedSign(*this);
     constexpr std::uint64_t kFull = std::numeric_limits<std::uint64_t>::max() >> 4U;
     std::uint64_t value = 0;
-    for (int digit = HexDigit(*p); digit >= 0; digit = HexDigit(*++p))
+    for (int digit = HexDigitValue(*p); digit >= 0; digit = HexDigitValue(*++p))
         value = value > kFull ? std::numeric_limits<std::uint64_t>::max()
                               : value * 16 + static_cast<unsigned>(digit);
     return SignedMagnitude(value, negative);
