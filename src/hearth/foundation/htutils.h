@@ -10,3 +10,4 @@
 #include <hearth/foundation/limits.h>
 #include <hearth/foundation/number_text.h>
 #include <hearth/foundation/string_parser.h>
+#include <hearth/foundation/text_words.h>
