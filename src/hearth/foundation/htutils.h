@@ -11,3 +11,4 @@
 #include <hearth/foundation/number_text.h>
 #include <hearth/foundation/string_parser.h>
 #include <hearth/foundation/text_words.h>
+#include <hearth/foundation/url_text.h>
