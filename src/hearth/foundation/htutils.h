@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/foundation/base64.h>
+#include <hearth/foundation/bytes.h>
 #include <hearth/foundation/checksums.h>
 #include <hearth/foundation/date_text.h>
 #include <hearth/foundation/fast_raw_string.h>
 #include <hearth/foundation/fast_string.h>
 #include <hearth/foundation/fast_string_list.h>
+#include <hearth/foundation/files.h>
 #include <hearth/foundation/limits.h>
 #include <hearth/foundation/number_text.h>
 #include <hearth/foundation/string_parser.h>
