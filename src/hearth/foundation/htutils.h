@@ -1,4 +1,4 @@
-// The public face of the foundation's texts, numbers, dates and limits.
+// The public face of the foundation's texts, lists, conversions and limits.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,8 +10,11 @@
 #include <hearth/foundation/fast_string.h>
 #include <hearth/foundation/fast_string_list.h>
 #include <hearth/foundation/files.h>
+#include <hearth/foundation/id_list.h>
 #include <hearth/foundation/limits.h>
 #include <hearth/foundation/number_text.h>
+#include <hearth/foundation/object_list.h>
 #include <hearth/foundation/string_parser.h>
+#include <hearth/foundation/string_trie.h>
 #include <hearth/foundation/text_words.h>
 #include <hearth/foundation/url_text.h>
