@@ -1,10 +1,11 @@
-// The public face of the foundation's texts, lists, conversions and limits.
+// The public face of the foundation's texts, lists, conversions, colours and limits.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <hearth/foundation/base64.h>
 #include <hearth/foundation/bytes.h>
 #include <hearth/foundation/checksums.h>
+#include <hearth/foundation/colors.h>
 #include <hearth/foundation/date_text.h>
 #include <hearth/foundation/fast_raw_string.h>
 #include <hearth/foundation/fast_string.h>
@@ -16,5 +17,6 @@
 #include <hearth/foundation/object_list.h>
 #include <hearth/foundation/string_parser.h>
 #include <hearth/foundation/string_trie.h>
+#include <hearth/foundation/system_colors.h>
 #include <hearth/foundation/text_words.h>
 #include <hearth/foundation/url_text.h>
