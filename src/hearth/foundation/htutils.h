@@ -5,13 +5,16 @@
 #include <hearth/foundation/base64.h>
 #include <hearth/foundation/bytes.h>
 #include <hearth/foundation/checksums.h>
+#include <hearth/foundation/color_math.h>
 #include <hearth/foundation/colors.h>
 #include <hearth/foundation/date_text.h>
 #include <hearth/foundation/fast_raw_string.h>
 #include <hearth/foundation/fast_string.h>
 #include <hearth/foundation/fast_string_list.h>
 #include <hearth/foundation/files.h>
+#include <hearth/foundation/geometry_helpers.h>
 #include <hearth/foundation/id_list.h>
+#include <hearth/foundation/kernels.h>
 #include <hearth/foundation/limits.h>
 #include <hearth/foundation/number_text.h>
 #include <hearth/foundation/object_list.h>
