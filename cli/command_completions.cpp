@@ -189,7 +189,7 @@ std::string FishOption(const OptionDescription& option, const std::string& start
 {
     const std::string values = option.Values.empty() ? "" : " -a " + FishText(Join(option.Values, " "));
     if (option.IsArgument())
-        return values.empty() ? start + " -F\n" : start + values + "\n";
+        return option.TakesFile() ? start + " -F\n" : values.empty() ? "" : start + values + "\n";
     std::string line = start;
     for (const std::string& name : option.Names)
         line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);

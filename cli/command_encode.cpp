@@ -4,33 +4,50 @@
 #include "input.h"
 #include "output.h"
 
+#include <hearth/foundation/url_text.h>
 #include <hearth/markup/html_encode.h>
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace hearth_cli {
 
 namespace {
 
+using Encoder = ht::String (*)(const ht::String& text);
+
+/// A switch that asks for another encoder than that of text in HTML.
+struct Form {
+    const char* Switch;
+    const char* Text;
+    Encoder Encode;
+};
+
+constexpr Form kForms[] = {
+    {"--attr", "Escape for the value of an attribute",
+        [](const ht::String& text) { return ht::HtmlEncodeAttr(text); }},
+    {"--url", "Encode for the query of an address, a blank as +",
+        [](const ht::String& text) { return ht::HtEncodeUrl(text); }},
+};
+
 struct EncodeOptions {
     hearth_cli::Input Input;
     hearth_cli::Output Output;
-    bool Attr = false;
+    Encoder Encode = [](const ht::String& text) { return ht::HtmlEncode(text); };
 };
 
-ht::String WithoutLineEnd(const ht::String& text)
+void AddForms(CLI::App& command, const std::shared_ptr<EncodeOptions>& options)
 {
-    const std::u16string_view view = text;
-    const std::int32_t end = view.ends_with(u"\r\n") ? 2 : view.ends_with(u'\n') ? 1 : 0;
-    return text.Substring(0, text.Length() - end);
-}
-
-void Run(const EncodeOptions& options)
-{
-    const ht::String text = WithoutLineEnd(options.Input.ReadText());
-    options.Output.WriteText((options.Attr ? ht::HtmlEncodeAttr(text) : ht::HtmlEncode(text)).ToUtf8());
+    std::vector<CLI::Option*> earlier;
+    for (const Form& form : kForms) {
+        CLI::Option* const option = command.add_flag_callback(
+            form.Switch, [options, &form] { options->Encode = form.Encode; }, form.Text);
+        for (CLI::Option* other : earlier)
+            option->excludes(other);
+        earlier.push_back(option);
+    }
 }
 
 }
@@ -42,10 +59,11 @@ void AddEncode(CLI::App& hearth)
         "a &lt; b &amp; &quot;c&quot;");
     const auto options = std::make_shared<EncodeOptions>();
     options->Input.AddTo(command);
-    command.add_flag("--attr", options->Attr, "Escape for the value of an attribute");
+    AddForms(command, options);
     options->Input.AddEncodingTo(command);
     options->Output.AddTo(command);
-    command.callback([options] { Run(*options); });
+    command.callback(
+        [options] { options->Output.WriteText(options->Encode(options->Input.ReadLines()).ToUtf8()); });
 }
 
 }

@@ -10,7 +10,9 @@ namespace hearth_cli {
 
 void AddHtml(CLI::App& hearth);
 void AddEncode(CLI::App& hearth);
+void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
+void AddColor(CLI::App& hearth);
 void AddCompletions(CLI::App& hearth);
 void AddMan(CLI::App& hearth);
 
@@ -18,7 +20,9 @@ void AddMan(CLI::App& hearth);
 inline constexpr void (*kCommands[])(CLI::App& hearth) = {
     AddHtml,
     AddEncode,
+    AddDecode,
     AddEncoding,
+    AddColor,
     AddCompletions,
     AddMan,
 };

@@ -51,7 +51,7 @@ void AddTo(std::vector<const CommandDescription*>& list, const CommandDescriptio
 
 bool OptionDescription::TakesFile() const
 {
-    return Values.empty() && (IsArgument() || Argument.find("FILE") != std::string::npos);
+    return Values.empty() && (Argument == "INPUT" || Argument.find("FILE") != std::string::npos);
 }
 
 CommandDescription Describe(const CLI::App& app)

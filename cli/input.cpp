@@ -194,6 +194,14 @@ ht::String Input::ReadText() const
     return DecodeMarked(bytes).value_or(ht::String::FromUtf8(bytes));
 }
 
+ht::String Input::ReadLines() const
+{
+    const ht::String text = ReadText();
+    const std::u16string_view view = text;
+    const std::int32_t end = view.ends_with(u"\r\n") ? 2 : view.ends_with(u'\n') ? 1 : 0;
+    return text.Substring(0, text.Length() - end);
+}
+
 Page Input::ReadPage() const
 {
     const std::string bytes = ReadBytes();

@@ -37,6 +37,8 @@ public:
     std::string ReadStart(std::size_t limit) const;
     /// The text in the encoding that was named, by its byte order mark, or as UTF-8.
     ht::String ReadText() const;
+    /// The same without its last line end.
+    ht::String ReadLines() const;
     /// The text in the encoding that was named, by its byte order mark, or by what the parser finds in the
     /// first bytes.
     Page ReadPage() const;

@@ -49,6 +49,18 @@ PRINTED = [
     ("a file wins over a pipe", (*TEXT, "man"), b"pipe", "manual\n"),
     ("without its last line end", ("encode",), b'a<"\r\n', 'a&lt;"\n'),
     ("only the last line end goes", ("encode", "--attr"), b'"\n\n', "&quot;\n"),
+    ("addresses", ("encode", "--url"), "a b/é\n".encode(), "a+b%2f%c3%a9\n"),
+    ("addresses", ("decode", "--url"), b"a+b%2f%c3%a9%%%4\r\n", "a b/é%\n"),
+    ("colours", ("color", "red"), b"", "0xFFFF0000\n"),
+    ("colours", ("color", "#12345678", "--as", "css"), b"", "#34567812\n"),
+    ("colours", ("color", "abc", "--as", "hex"), b"", "aabbcc\n"),
+    ("colours", ("color", "#ff8000", "--as", "hsb"), b"", "30.117647 100 100\n"),
+    ("colours", ("color", "--as=hsb", "gray"), b"", "-60 0 50.19608\n"),
+    ("colours", ("color", "transparent"), b"", "0x00FFFFFF\n"),
+    ("colours", ("color", "none", "--as", "css"), b"", "none\n"),
+    ("colours", ("color", "indigo", "--as", "hex"), b"", "no colour\n"),
+    ("colours", ("color", "--", "-1"), b"", "no colour\n"),
+    ("colours", ("color", ""), b"", "0xFF000000\n"),
     ("the mark is no text", ("encode",), "\ufeffé<".encode("utf-16-be"), "é&lt;\n"),
     ("a lone surrogate", ("html", *TEXT[1:], "--encoding", "utf-16le"), b"a\x00\x00\xd8b\x00", "a\ufffdb\n"),
     ("marks", TEXT, PAGE.encode("utf-8-sig"), RUSSIAN + "\n"),
@@ -92,6 +104,11 @@ REFUSED = [
     (("html", "--indent", "-1"), b"", 2, "--indent"),
     (("html", "--indent", "99999999999"), b"", 2, "--indent"),
     (("html", "one", "two"), b"", 2, "two\nTry: hearth html --help"),
+    (("color", "rgba(256,0,0,1)"), b"", 1, "hearth: ERangeError: Range check error"),
+    (("color",), b"", 2, "TEXT"),
+    (("color", "red", "--as", "rgb"), b"", 2, "rgb not in {hex,css,hsb}"),
+    (("decode",), b"", 2, "--url"),
+    (("encode", "--attr", "--url"), b"", 2, "--attr excludes --url"),
     (("completions",), b"", 2, "SHELL"),
     (("completions", "csh"), b"", 2, "csh not in {bash,zsh,fish}"),
     (("burn",), b"", 2, "there is no command or option burn"),
@@ -198,7 +215,8 @@ class Surroundings(InFolder):
         script = self.folder / "hearth.bash"
         self.assertEqual(run(("completions", "bash", "-o", script)).returncode, 0)
         for words, expected in (("h", "html"), ("html --as fo", "formatted"), ("html --fr", "--fragment"),
-                                ("completions z", "zsh"), ("html man", "")):
+                                ("completions z", "zsh"), ("html man", ""),
+                                ("color --as c", "css")):
             with self.subTest(words):
                 typed = ["hearth", *words.split()]
                 done = shell(f"source {script}; COMP_WORDS=({' '.join(typed)}); COMP_CWORD={len(typed) - 1}; "
