@@ -2,23 +2,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "../require.h"
+
 #include <hearth/foundation/fast_string.h>
 #include <hearth/markup/html_node.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 namespace fuzz {
-
-inline void Require(bool holds, const char* what)
-{
-    if (holds)
-        return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
-}
 
 /// A frame of the parser may put a row of its own around a cell, which is a level without a frame.
 inline constexpr std::int32_t kMaxParsedDepth = 2 * ht::THtmlParser::kMaxLevels;
