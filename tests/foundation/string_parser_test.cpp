@@ -260,7 +260,11 @@ TEST(string_parser, integers_stay_exact_until_they_turn_into_floats)
             {u"", "i0|"}, {u"0.30000000000000004", "f0.3|"}});
     const std::u16string nines(400, u'9');
     ExpectReads(read, {{nines, "f" + Shown(std::numeric_limits<double>::max()) + "|"}, {u"0e299", "f0.|"}});
-    ExpectReads(read, {{u"x", "Incorrect number|x"}, {nines, "Incorrect number|"}}, true);
+    ExpectReads(read,
+        {{u"x", "Incorrect number|x"}, {nines, "Incorrect number|"}, {u"01", "Incorrect number|01"},
+            {u"-.5", "Incorrect number|.5"}, {u"1.e2", "Incorrect number|.e2"}, {u"1e+", "Incorrect number|"},
+            {u"-0", "i0|"}, {u"0.5", "f0.5|"}, {u"1..2", "i1|..2"}},
+        true);
     TStringParser tenth(u"0.1 1e299"_s);
     std::int64_t whole = 0;
     double value = 0;

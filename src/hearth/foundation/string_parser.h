@@ -112,8 +112,8 @@ public:
     /// True: an integer stands in `IntValue`; false: a float stands in `ExtValue`, which is what has a
     /// fraction (18 digits count; ".." begins none), an exponent, or more than 64 bits. Exponents of 300 and
     /// more either way are read and not applied; what passes the type is its greatest number. With
-    /// RaiseException set, throws EConvertError "Incorrect number" where no digit stands and for what passes
-    /// the type.
+    /// RaiseException set, throws EConvertError "Incorrect number" where no digit stands, for a 0 in front of
+    /// other digits, for a "." without a digit behind it, and for what passes the type.
     bool ReadIntOrFloat(std::int64_t& IntValue, double& ExtValue);
 
     String s;
@@ -131,6 +131,8 @@ private:
     bool StartNumber();
     bool ReadSign();
     void CheckDigit() const;
+    void CheckLeadingZero() const;
+    void CheckFraction() const;
     double RequireFinite(double value) const;
     double ReadFraction(int maxDigits);
     bool StartsExponent() const;

@@ -75,6 +75,19 @@ void TStringParser::CheckDigit() const
         RaiseIncorrect();
 }
 
+void TStringParser::CheckLeadingZero() const
+{
+    if (RaiseException && *p == u'0' && IsAsciiDigit(p[1]))
+        RaiseIncorrect();
+}
+
+/// A "." needs a digit behind it.
+void TStringParser::CheckFraction() const
+{
+    if (RaiseException && *p == u'.' && !IsAsciiDigit(p[1]))
+        RaiseIncorrect();
+}
+
 double TStringParser::RequireFinite(double value) const
 {
     if (std::isfinite(value))
@@ -157,13 +170,11 @@ double TStringParser::ReadNumEx()
     const bool negative = ReadSign();
     if (*p != u'.')
         CheckDigit();
-    if (RaiseException && *p == u'0' && IsAsciiDigit(p[1]))
-        RaiseIncorrect();
+    CheckLeadingZero();
     double value = 0;
     for (; IsAsciiDigit(*p); ++p)
         value = value * 10 + (*p - u'0');
-    if (RaiseException && *p == u'.' && !IsAsciiDigit(p[1]))
-        RaiseIncorrect();
+    CheckFraction();
     value += ReadFraction(kMaxFractionDigits);
     value = RequireFinite(
         ReadExponent(value, RaiseException ? std::numeric_limits<std::int32_t>::max() : kExponentLimit));
@@ -179,6 +190,7 @@ bool TStringParser::ReadIntOrFloat(std::int64_t& IntValue, double& ExtValue)
         return true;
     const bool negative = ReadSign();
     CheckDigit();
+    CheckLeadingZero();
     const std::uint64_t greatest = GreatestMagnitude(negative);
     std::uint64_t whole = 0;
     bool isInteger = true;
@@ -202,8 +214,10 @@ bool TStringParser::ReadIntOrFloat(std::int64_t& IntValue, double& ExtValue)
     }
     if (isInteger)
         value = static_cast<double>(whole);
-    if (hasFraction)
+    if (hasFraction) {
+        CheckFraction();
         value += ReadFraction(std::numeric_limits<int>::max());
+    }
     value = RequireFinite(ReadExponent(value, kScriptExponentLimit));
     ExtValue = negative ? -value : value;
     return false;
