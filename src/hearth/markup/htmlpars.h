@@ -11,6 +11,9 @@
 #include <hearth/markup/html_parser.h>
 #include <hearth/markup/html_token.h>
 #include <hearth/markup/html_tokenizer.h>
+#include <hearth/markup/json_parser.h>
+#include <hearth/markup/json_token.h>
+#include <hearth/markup/json_tokenizer.h>
 #include <hearth/markup/node.h>
 #include <hearth/markup/node_list.h>
 #include <hearth/markup/xpath.h>
