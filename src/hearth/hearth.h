@@ -27,3 +27,5 @@
 #include <hearth/foundation/htutils.h>
 
 #include <hearth/markup/htmlpars.h>
+
+#include <hearth/xml/htxml.h>

@@ -9,11 +9,8 @@
 namespace ht {
 
 /// One bound for each way in which a format, a script or a transfer could grow without end; 0 means no bound.
-/// A bound that is hit raises the exception of the subsystem, which names it. The depth of HTML trees is
-/// fixed and not in this record.
-///
-/// FIXME: Nothing reads this record yet; the readers of these formats take their copy when they are made,
-/// once they are there.
+/// A bound that is hit raises the exception of the subsystem, which names it. Readers take their copy when
+/// they are made. The depth of HTML trees is fixed and not in this record.
 struct THtLimits {
     std::int32_t XmlDepth = 1024; // nested elements
     std::int32_t JsonDepth = 1024; // nested objects and arrays
@@ -34,7 +31,8 @@ struct THtLimits {
     std::int32_t InflateRatio = 200; // bytes out for one byte in
 };
 
-/// The defaults of the process, for the host to change before it makes documents, parsers and engines.
+/// The defaults of the process, for the host to change before it makes documents, parsers and engines. Who
+/// changes them while other threads read has to see to that.
 HT_API THtLimits& HtLimits() noexcept;
 
 }

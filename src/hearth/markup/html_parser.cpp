@@ -59,6 +59,16 @@ bool THtmlParser::NextItem()
     return ReadItem();
 }
 
+bool THtmlParser::SkipCloseTag(std::u16string_view tag) noexcept
+{
+    return !RepeatCurrent && FTokenizer.ReadPlainCloseTag(tag);
+}
+
+std::u16string_view THtmlParser::NextBlanks() noexcept
+{
+    return RepeatCurrent ? std::u16string_view() : FTokenizer.ReadPlainBlanks();
+}
+
 bool THtmlParser::Repeat()
 {
     RepeatCurrent = false;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/foundation/limits.h>
 #include <hearth/markup/attributes.h>
 #include <hearth/markup/html_error.h>
 #include <hearth/markup/html_tokenizer.h>
@@ -38,6 +39,12 @@ public:
     /// is dropped. In XML mode throws EHtmlParserException for a bad tag name and for an attribute value that
     /// is no string.
     bool NextItem();
+    /// Short cuts of NextItem for a reader that knows what to expect and needs no fields: the end tag of
+    /// `tag`, written plainly, and a text of blanks with a tag behind it (else empty). They read nothing
+    /// where something else stands, or where an item is to be repeated. Lifetime of the blanks: that of the
+    /// text.
+    bool SkipCloseTag(std::u16string_view tag) noexcept;
+    std::u16string_view NextBlanks() noexcept;
 
     /// Re-decodes the rest of the text, and what `Root` holds, as UTF-8 when it is UTF-8 that was read with
     /// one unit a byte. Acts only for a new encoding that is heUTF8, which needs no code page.
@@ -98,8 +105,10 @@ public:
         std::int32_t Count = 0;
     };
     std::unordered_map<const THtmlNode*, TRowSeen> RowsSeen;
-    /// Depth of InternalParse.
+    /// Depth of the element that is being read.
     std::int32_t FStackLevel = 0;
+    /// The bounds of this run, a copy of those of the process.
+    THtLimits Limits = HtLimits();
 
 private:
     enum TDuplicateAttribute : std::uint8_t { daFirstStays, daReplaces };

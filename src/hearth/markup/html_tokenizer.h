@@ -63,6 +63,12 @@ private:
     bool ReadPlainText();
     /// Reads the ">" of a tag without a body, as NextToken would.
     bool ReadPlainTagEnd() noexcept;
+    /// Reads "</", the tag and ">", as NextToken would but for the token's name. False, with nothing read,
+    /// where something else stands.
+    bool ReadPlainCloseTag(std::u16string_view tag) noexcept;
+    /// Reads a text of blanks behind a tag and in front of a "<", as NextToken would but for the token's name.
+    /// Empty, with nothing read, where something else stands. Lifetime: that of the text.
+    std::u16string_view ReadPlainBlanks() noexcept;
     /// Reads blanks, a known attribute name, "=" and a quoted value in one step, as NextToken(false) and
     /// three calls more would, and leaves the value in the token. Null, with nothing read, where something
     /// else stands.

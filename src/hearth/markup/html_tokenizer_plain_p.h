@@ -6,6 +6,8 @@
 #include <hearth/markup/html_tokenizer.h>
 #include <hearth/markup/short_name_p.h>
 
+#include <algorithm>
+
 namespace ht {
 
 /// A tag name; "</" or "<" stands in front of it.
@@ -67,6 +69,41 @@ inline bool THTMLTokenizer::ReadPlainText()
     FToken.Name = ReadUpTo(u'<');
     FToken.EndPos = FParser.Offset();
     return true;
+}
+
+inline bool THTMLTokenizer::ReadPlainCloseTag(std::u16string_view tag) noexcept
+{
+    const char16_t* const p = FParser.p;
+    const auto length = static_cast<std::ptrdiff_t>(tag.size());
+    constexpr std::ptrdiff_t kMarks = 3;
+    if (FParser.pend - p < length + kMarks || p[0] != u'<' || p[1] != u'/' || p[length + 2] != u'>')
+        return false;
+    if (!std::equal(tag.begin(), tag.end(), p + 2))
+        return false;
+    FParser.p = p + length + kMarks;
+    FToken.CType = htTagEnd;
+    FToken.EndPos = FParser.Offset();
+    FToken.StartPos = FToken.EndPos - 1;
+    FRawBody = rbNone;
+    FInTag = false;
+    return true;
+}
+
+inline std::u16string_view THTMLTokenizer::ReadPlainBlanks() noexcept
+{
+    const char16_t* const from = FParser.p;
+    if (FToken.CType != htTagEnd || *from > u' ')
+        return {};
+    const char16_t* to = from;
+    while (to < FParser.pend && *to <= u' ')
+        ++to;
+    if (*to != u'<')
+        return {};
+    FToken.StartPos = FParser.Offset();
+    FToken.CType = htString;
+    FParser.p = to;
+    FToken.EndPos = FParser.Offset();
+    return {from, static_cast<std::size_t>(to - from)};
 }
 
 inline const THtNameRec* THTMLTokenizer::ReadPlainAttribute()

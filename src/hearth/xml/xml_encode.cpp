@@ -1,0 +1,87 @@
+// The encoders of XML and JSON: which units they escape, and how.
+// SPDX-License-Identifier: MIT
+#include <hearth/xml/xml_encode.h>
+
+#include <hearth/markup/escape_p.h>
+
+namespace ht {
+
+namespace {
+
+using escapes::EscapeBuffer;
+using simd::Units8;
+
+constexpr escapes::OverheadTable kXmlOverheads = escapes::MakeOverheads(8, 5);
+
+struct XmlRules {
+    static bool IsEscaped(char16_t c) noexcept
+    {
+        return c < kXmlOverheads.size() ? kXmlOverheads[c] != 0 : IsHighSurrogate(c);
+    }
+
+    static std::uint64_t Candidates(Units8 units) noexcept
+    {
+        return units.InRange(0, 8)
+            .Or(units.Equal(Units8::Fill(u'"')))
+            .Or(units.Equal(Units8::Fill(u'&')))
+            .Or(units.Equal(Units8::Fill(u'<')))
+            .Or(units.Equal(Units8::Fill(u'>')))
+            .Or(units.Equal(Units8::Fill(0xA0)))
+            .Or(units.InRange(0xD800, 0xDBFF))
+            .Mask();
+    }
+
+    /// The escape of the character at `p`, which moves behind it.
+    static std::u16string_view Escape(const char16_t*& p, const char16_t* end, EscapeBuffer& buffer)
+    {
+        const char16_t c = *p++;
+        if (IsHighSurrogate(c))
+            return escapes::PairEscape(c, p < end ? *p++ : u'\0', buffer);
+        return c == 0xA0 ? std::u16string_view(u"&#160;") : escapes::LowEscape(c);
+    }
+};
+
+struct JsonRules {
+    static constexpr std::u16string_view kUnits = u"\b\t\n\r\"\\";
+
+    static bool IsEscaped(char16_t c) noexcept { return kUnits.find(c) != std::u16string_view::npos; }
+
+    static std::uint64_t Candidates(Units8 units) noexcept
+    {
+        return units.InRange(u'\b', u'\r')
+            .Or(units.Equal(Units8::Fill(u'"')))
+            .Or(units.Equal(Units8::Fill(u'\\')))
+            .Mask();
+    }
+
+    /// Line feed and carriage return are exchanged on purpose, as in all that was written so far.
+    static std::u16string_view Escape(const char16_t*& p, const char16_t* /*end*/, EscapeBuffer& /*buffer*/)
+    {
+        constexpr std::u16string_view kEscapes = u"\\b\\t\\r\\n\\\"\\\\";
+        return kEscapes.substr(2 * kUnits.find(*p++), 2);
+    }
+};
+
+}
+
+String XMLEncode(const String& s, std::int32_t /*Overhead*/)
+{
+    return escapes::Encode<XmlRules>(s);
+}
+
+String JSONEncode(const String& s)
+{
+    return escapes::Encode<JsonRules>(s);
+}
+
+void XMLEncodeTo(TFastString& FS, std::u16string_view s)
+{
+    escapes::EncodeTo<XmlRules>(FS, s);
+}
+
+void JSONEncodeTo(TFastString& FS, std::u16string_view s)
+{
+    escapes::EncodeTo<JsonRules>(FS, s);
+}
+
+}
