@@ -48,6 +48,21 @@ inline Corpus LoadPages(const std::filesystem::path& folder)
     return corpus;
 }
 
+/// The files as named, or the pages of the one folder that is named.
+inline Corpus LoadCorpus(const std::vector<std::string>& names)
+{
+    if (names.size() == 1 && std::filesystem::is_directory(names[0]))
+        return LoadPages(names[0]);
+    Corpus corpus;
+    for (const std::string& name : names) {
+        corpus.Files.push_back(ReadFile(name));
+        if (corpus.Files.back().empty())
+            throw std::runtime_error("nothing in " + name);
+        corpus.Bytes += corpus.Files.back().size();
+    }
+    return corpus;
+}
+
 /// At least `size` bytes of pages, one behind the other, as one document.
 inline std::string JoinPages(const Corpus& corpus, std::size_t size)
 {

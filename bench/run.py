@@ -9,22 +9,44 @@ import sys
 from dataclasses import dataclass, field
 from pathlib import Path
 
+PROJECT = Path(__file__).resolve().parent.parent
+# Packages of npm that are read as data, and what of them.
+NPM_FOLDER = PROJECT / "build/bench_data"
+NPM_PACKAGES = ("@mdn/browser-compat-data", "caniuse-db", "mime-db")
+
+
+def npm_files(*names):
+    return [str(NPM_FOLDER / "node_modules" / name) for name in names]
+
+
+# What each corpus is read from: the pages of a folder, or files.
 CORPORA = {
-    "html-py": "/usr/share/doc/python3.11/html/library",
-    "html-pg": "/usr/share/doc/postgresql-doc-15/html",
+    "html-py": ["/usr/share/doc/python3.11/html/library"],
+    "html-pg": ["/usr/share/doc/postgresql-doc-15/html"],
+    "xml": ["/usr/share/mime/packages/freedesktop.org.xml", "/usr/share/xml/iso-codes/iso_639-3.xml",
+            "/usr/share/xml/iso-codes/iso_3166-2.xml"],
+    "json": npm_files("@mdn/browser-compat-data/data.json", "caniuse-db/fulldata-json/data-2.0.json", "mime-db/db.json"),
 }
-HTML_ENGINES = ("hearth", "libxml2", "gumbo")
+ENGINES = {
+    "html": ("hearth", "libxml2", "gumbo"),
+    "xml": ("hearth", "libxml2", "pugixml"),
+    "json": ("hearth", "rapidjson", "nlohmann"),
+}
 OURS = "hearth"
 
 # Done at the first figure, going to the second; the factor by which we are better than that peer. For memory it is
 # our share of what the peer takes, and less is better.
 GOALS = {
-    "text to tree, warm": {"libxml2": (6, 9), "gumbo": (15, 22)},
-    "text to tree, cold": {"libxml2": (6, 9), "gumbo": (15, 22)},
-    "heap a byte of source": {"libxml2": (0.7, 0.6)},
-    "tree destroyed": {"libxml2": (2, 4)},
+    "HTML to tree, warm": {"libxml2": (6, 9), "gumbo": (15, 22)},
+    "HTML to tree, cold": {"libxml2": (6, 9), "gumbo": (15, 22)},
+    "XML to tree, warm": {"libxml2": (3, 4), "pugixml": (0.35, 0.5)},
+    "XML to tree, cold": {"libxml2": (3, 4), "pugixml": (0.35, 0.5)},
+    "JSON to tree, warm": {"rapidjson": (0.7, 0.9), "nlohmann": (4, 5)},
+    "JSON to tree, cold": {"rapidjson": (0.7, 0.9), "nlohmann": (4, 5)},
+    "heap a byte of HTML": {"libxml2": (0.7, 0.6)},
+    "HTML tree destroyed": {"libxml2": (2, 4)},
     "small fragment": {"libxml2": (6, 8)},
-    "tree to text": {"libxml2": (4, 6)},
+    "HTML tree to text": {"libxml2": (4, 6)},
     "UTF-8 to UTF-16, ASCII": {"icu": (6, 10)},
     "UTF-16 to UTF-8, ASCII": {"icu": (6, 10)},
     "UTF-8 to UTF-16, mixed": {"icu": (1, 1)},
@@ -137,47 +159,60 @@ def show(title, rows, note=""):
 # --- groups -----------------------------------------------------------------------------------------------------
 
 
-def measure_html(runner, corpus):
-    folder = CORPORA[corpus]
-    engines = [engine for engine in HTML_ENGINES if runner.has(f"bench_html_{engine}")]
-    warm = Row("text to tree, warm", "MB/s")
-    cold = Row("text to tree, cold", "MB/s")
-    heap = Row("heap a byte of source", "bytes", less_is_better=True, is_share=True)
-    destroyed = Row("tree destroyed", "MB/s")
-    destroyed_cold = Row("tree destroyed, cold", "MB/s")
-    printed = Row("tree to text", "MB/s")
-    utf8 = Row("tree to UTF-8", "MB/s")
+def measure_trees(runner, corpus):
+    """A parser of trees: one process for each engine, mode and round."""
+    kind = corpus.split("-")[0]
+    name = kind.upper()
+    sources = CORPORA[corpus]
+    rates = {
+        ("warm", "seconds"): Row(f"{name} to tree, warm", "MB/s"),
+        ("cold", "seconds"): Row(f"{name} to tree, cold", "MB/s"),
+        ("warm", "destroy"): Row(f"{name} tree destroyed", "MB/s"),
+        ("cold", "destroy"): Row(f"{name} tree destroyed, cold", "MB/s"),
+        ("print", "seconds"): Row(f"{name} tree to text", "MB/s"),
+        ("print", "utf8"): Row(f"{name} tree to UTF-8", "MB/s"),
+    }
+    heap = Row(f"heap a byte of {name}", "bytes", less_is_better=True, is_share=True)
     fragment = Row("small fragment", "us", less_is_better=True)
     counts = {}
     growth = []
     for _ in range(runner.rounds):
-        for engine in engines:
-            def rate(row, found, key):
-                if key in found:
-                    row.add(engine, found["bytes"] / found[key] / 1e6)
-            program = f"bench_html_{engine}"
-            found = runner.read(program, folder, "warm")
-            rate(warm, found, "seconds")
-            rate(destroyed, found, "destroy")
-            found = runner.read(program, folder, "cold")
-            rate(cold, found, "seconds")
-            rate(destroyed_cold, found, "destroy")
-            if found:
-                heap.add(engine, found["heap"] / found["bytes"])
-                counts[engine] = f"{engine} {found['nodes']:,.0f} nodes, {found['units']:,.0f} units of text"
-            found = runner.read(program, folder, "print")
-            if found.get("printed"):
-                rate(printed, found, "seconds")
-                rate(utf8, found, "utf8")
-            found = runner.read(program, folder, "fragment")
-            if found:
-                fragment.add(engine, found["seconds"] * 1e6)
+        for engine in ENGINES[kind]:
+            program = f"bench_{kind}_{engine}"
+            if not runner.has(program):
+                continue
+            found = {mode: runner.read(program, mode, *sources) for mode in ("warm", "cold", "print")}
+            for (mode, key), row in rates.items():
+                if key in found[mode] and found[mode].get("printed", 1):
+                    row.add(engine, found[mode]["bytes"] / found[mode][key] / 1e6)
+            cold = found["cold"]
+            if cold:
+                heap.add(engine, cold["heap"] / cold["bytes"])
+                counts[engine] = f"{engine} {cold['nodes']:,.0f} nodes, {cold['units']:,.0f} units of text"
+            if kind == "html":
+                fragment.add(engine, runner.read(program, "fragment", *sources)["seconds"] * 1e6)
             if engine == OURS:
-                found = runner.read(program, folder, "growth")
+                found = runner.read(program, "growth", *sources)
                 growth += [found["seconds2"] / found["seconds"]] if found else []
-    warm.twice = statistics.median(growth) if growth else 0
-    rows = [warm, cold, heap, destroyed, destroyed_cold, fragment, printed, utf8]
-    show(f"HTML, {corpus}", rows, "\n".join(counts.values()))
+    rows = [*rates.values(), heap, fragment]
+    rows[0].twice = statistics.median(growth) if growth else 0
+    show(f"{name}, {corpus}", rows, "\n".join(counts.values()))
+
+
+def fetch_npm():
+    """Once; the corpora that are not there are left out."""
+    if all((NPM_FOLDER / "node_modules" / package).is_dir() for package in NPM_PACKAGES):
+        return
+    NPM_FOLDER.mkdir(parents=True, exist_ok=True)
+    done = subprocess.run(["npm", "install", "--prefix", NPM_FOLDER, "--ignore-scripts", "--no-audit", "--no-fund",
+                           "--loglevel=error", *NPM_PACKAGES], stdout=subprocess.DEVNULL)
+    if done.returncode != 0:
+        print("run.py: npm could not fetch the JSON files", file=sys.stderr)
+
+
+def measure_json(runner):
+    fetch_npm()
+    measure_trees(runner, "json")
 
 
 def measure_micro(runner, program, title, unit, convert, less_is_better=False):
@@ -218,8 +253,10 @@ def measure_growth(runner):
 
 
 GROUPS = {
-    "html-py": lambda runner: measure_html(runner, "html-py"),
-    "html-pg": lambda runner: measure_html(runner, "html-pg"),
+    "html-py": lambda runner: measure_trees(runner, "html-py"),
+    "html-pg": lambda runner: measure_trees(runner, "html-pg"),
+    "xml": lambda runner: measure_trees(runner, "xml"),
+    "json": measure_json,
     "text": lambda runner: measure_micro(runner, "text_micro", "UTF-8 and UTF-16", "GB/s", lambda n: n / 1e9),
     "dictionary": lambda runner: measure_micro(runner, "dictionary_micro", "dictionary of tag and attribute names", "ns",
                                                lambda n: 1e9 / n, less_is_better=True),
@@ -233,7 +270,7 @@ def main():
     parser = argparse.ArgumentParser(description="Measures against other libraries; prints one table a group.")
     parser.add_argument("filter", nargs="?", default="", help="part of a group's name: " + ", ".join(GROUPS))
     parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--build", type=Path, default=Path(__file__).resolve().parent.parent / "build/release/bench")
+    parser.add_argument("--build", type=Path, default=PROJECT / "build/release/bench")
     arguments = parser.parse_args()
     wanted = [name for name in GROUPS if arguments.filter in name]
     if not wanted:

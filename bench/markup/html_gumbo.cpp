@@ -39,6 +39,10 @@ struct Gumbo {
 
     static std::size_t Print(Tree /*tree*/) { return 0; }
     static std::size_t PrintUtf8(Tree /*tree*/) { return 0; }
+    static std::string Joined(const bench::Corpus& corpus, std::size_t size)
+    {
+        return bench::JoinPages(corpus, size);
+    }
     static void Destroy(Tree& tree) { gumbo_destroy_output(&kGumboDefaultOptions, tree); }
 };
 

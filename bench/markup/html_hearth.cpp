@@ -29,6 +29,10 @@ struct Hearth {
 
     static std::size_t Print(const Tree& tree) { return tree->GetOuterHTML().size(); }
     static std::size_t PrintUtf8(const Tree& tree) { return tree->GetOuterHTML().ToUtf8().size(); }
+    static std::string Joined(const bench::Corpus& corpus, std::size_t size)
+    {
+        return bench::JoinPages(corpus, size);
+    }
     static void Destroy(Tree& tree) { tree.reset(); }
 };
 

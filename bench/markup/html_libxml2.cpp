@@ -49,6 +49,10 @@ struct Libxml2 {
         return static_cast<std::size_t>(size);
     }
     static std::size_t PrintUtf8(Tree tree) { return Print(tree); }
+    static std::string Joined(const bench::Corpus& corpus, std::size_t size)
+    {
+        return bench::JoinPages(corpus, size);
+    }
     static void Destroy(Tree& tree) { xmlFreeDoc(tree); }
 };
 

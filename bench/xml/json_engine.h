@@ -1,0 +1,26 @@
+// What the JSON programs share.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tree_engine.h"
+
+namespace bench {
+
+/// One array with the files over and over again.
+inline std::string JoinJson(const Corpus& corpus, std::size_t size)
+{
+    std::string joined = "[";
+    for (std::size_t i = 0; joined.size() < size; ++i) {
+        joined += i > 0 ? "," : "";
+        joined += corpus.Files[i % corpus.Files.size()];
+    }
+    return joined + "]";
+}
+
+/// Nodes are values of every kind. Text is names and strings.
+template <class Engine> int RunJsonBench(int argc, char** argv)
+{
+    return RunBench<TreeBench<Engine>>(argc, argv);
+}
+
+}
