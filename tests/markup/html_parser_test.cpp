@@ -268,6 +268,16 @@ TEST(html_parser, the_last_text_of_a_broken_tag_decides_where_a_raw_body_ends)
     });
 }
 
+TEST(html_parser, what_is_no_plain_tag_follows_every_known_tag)
+{
+    for (const TKnownName& tag : kKnownTags) {
+        const String name = String::OfStatic(tag.Text);
+        THtmlNode node;
+        node.Parse(Concat({u"<", name, u"></", name, u"><!--a-->"}));
+        EXPECT_NE(node.FindNode(u"!"), nullptr) << name;
+    }
+}
+
 /// Capitals lead names past the short cuts of the reader, and fold to the same.
 TEST(html_parser, short_cuts_read_what_the_long_way_reads)
 {

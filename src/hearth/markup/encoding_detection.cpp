@@ -180,7 +180,7 @@ void THtmlParser::ChangeEncoding(THtmlEncoding NewEncoding, std::uint32_t /*NewC
 
 void THtmlParser::RestartOn(const String& text)
 {
-    FTokenizer.Parser().Init(text);
+    FTokenizer.Restart(text);
 }
 
 String THtmlParser::MetaCharset() const

@@ -29,6 +29,12 @@ const THtTagName& DirectiveTag()
     return name;
 }
 
+/// Apart, so that the way of every node stays short.
+[[noreturn, gnu::noinline]] void RaiseWrongClass()
+{
+    throw EAssertionFailed(u"The class of an HTML element has to descend from THtmlNode"_s);
+}
+
 bool IsBlankTextItem(const THtmlParser& HP)
 {
     return HP.TagType == htString && IsBlankText(HP.Value);
@@ -156,7 +162,13 @@ THtmlNode* THtmlNode::InternalParse(THtmlParser& HP)
     if (!HP.RepeatCurrent && !TakeOverItem(HP))
         return nullptr;
     THtmlNode* result = nullptr;
-    while (HP.NextItem()) {
+    for (;;) {
+        if (HP.NextIsEndOf(*this)) {
+            FinishElement(HP);
+            return nullptr;
+        }
+        if (!HP.NextItem())
+            break;
         const TParseStep step = HP.IsCloseTag ? CloseItem(HP, result)
             : !HP.IncorrectStack.IsEmpty()    ? Reopen(HP, result)
             : HP.TagType == htIdent           ? OpenElement(HP, result)
@@ -225,8 +237,8 @@ THtmlNode* THtmlNode::NewChild(THtmlParser& HP, const THtTagName& classTag)
     const THtNodeClass childClass = GetElementClass(classTag, HP.GlobalRoot);
     if (!childClass)
         return nullptr;
-    if (!childClass.Info->InheritsFrom(THtmlNode::kClassInfo))
-        throw EAssertionFailed(u"The class of an HTML element has to descend from THtmlNode"_s);
+    if (!childClass.Info->InheritsFrom(THtmlNode::kClassInfo)) [[unlikely]]
+        RaiseWrongClass();
     return static_cast<THtmlNode*>(InternalAddChild(childClass));
 }
 

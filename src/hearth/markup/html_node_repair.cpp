@@ -199,16 +199,17 @@ void THtmlNode::FinishElement(THtmlParser& HP)
         if (stack[i]->HasAsParent(this))
             stack.Delete(i);
     }
-    if (this != HP.Root)
+    const TTagId outer = FParent ? GetParent()->FTagId : TTagId{0};
+    if ((outer == tags::kTable || outer == tags::kTr) && this != HP.Root)
         MoveBehindTable(HP);
     AfterParse();
 }
 
-/// Content that stands in a table outside its cells is put behind the table.
+/// Content that stands in a table or a row outside its cells is put behind the table.
 void THtmlNode::MoveBehindTable(THtmlParser& HP)
 {
     THtmlNode* const parent = GetParent();
-    if (!parent || !parent->FParent)
+    if (!parent->FParent)
         return;
     const THtNode* table = nullptr;
     if (parent->FTagId == tags::kTable && !IsTagIn(FTagId, tgTablePart))

@@ -53,10 +53,7 @@ void THtmlParser::SetCaseSensitive(bool value) noexcept
 
 bool THtmlParser::NextItem()
 {
-    if (RepeatCurrent)
-        return Repeat();
-    FRepeats = 0;
-    return ReadItem();
+    return RepeatCurrent ? Repeat() : ReadItem();
 }
 
 bool THtmlParser::SkipCloseTag(std::u16string_view tag) noexcept
@@ -69,44 +66,57 @@ std::u16string_view THtmlParser::NextBlanks() noexcept
     return RepeatCurrent ? std::u16string_view() : FTokenizer.ReadPlainBlanks();
 }
 
-bool THtmlParser::Repeat()
+bool THtmlParser::ReadEndOf(const THtNode& element)
 {
-    RepeatCurrent = false;
-    if (++FRepeats > kMaxRepeats) {
-        FRepeats = 0;
-        return ReadItem();
-    }
-    return !FTokenizer.Eof();
+    if (RepeatCurrent || !FTokenizer.ReadEndTag(element.TagId()))
+        return false;
+    StartItem();
+    IsCloseTag = true;
+    TagType = htIdent;
+    Tag.Assign(element.Tag(), element.TagHash(), element.TagId());
+    StartPos = FTokenizer.StartPos();
+    return true;
 }
 
-bool THtmlParser::ReadItem()
+void THtmlParser::StartItem()
 {
+    FRepeats = 0;
     if (FAttributes.Count() > 0)
         FAttributes.Clear();
     FAttributes.CaseSensitive = FCaseSensitive;
     TagClosed = false;
     IsCloseTag = false;
+}
+
+bool THtmlParser::Repeat()
+{
+    RepeatCurrent = false;
+    return ++FRepeats > kMaxRepeats ? ReadItem() : !FTokenizer.Eof();
+}
+
+bool THtmlParser::ReadItem()
+{
+    StartItem();
     if (const auto head = FTokenizer.ReadTagHead(IsCloseTag); head != THTMLTokenizer::thNone) {
         SetTag();
         if (head == THTMLTokenizer::thOpen)
             return ReadAttributes();
-        StartPos = FTokenizer.Token().StartPos;
+        StartPos = FTokenizer.StartPos();
         return true;
     }
-    return ReadOtherItem();
+    Tag.Clear();
+    return FTokenizer.ReadPlainText(Value) ? SetTextItem() : ReadOtherItem();
 }
 
-/// An item that does not begin with a plain tag name.
+/// An item that is neither a plain tag name nor the text behind a tag.
 bool THtmlParser::ReadOtherItem()
 {
-    if (!Tag.IsEmpty())
-        Tag = THtTagName();
-    if (FTokenizer.ReadPlainText())
-        return SetTextItem();
     bool more = FTokenizer.NextToken(true);
     while (more) {
-        if (IsTextItem(FTokenizer.Type()))
+        if (IsTextItem(FTokenizer.Type())) {
+            Value = FTokenizer.Token().Name;
             return SetTextItem();
+        }
         if (FTokenizer.Type() != htTagStart) {
             more = FTokenizer.NextToken(true);
             continue;
@@ -124,9 +134,8 @@ bool THtmlParser::ReadOtherItem()
 bool THtmlParser::SetTextItem()
 {
     TagType = FTokenizer.Type();
-    Value = FTokenizer.Token().Name;
     TagClosed = true;
-    StartPos = FTokenizer.Token().StartPos;
+    StartPos = FTokenizer.StartPos();
     return true;
 }
 
@@ -149,11 +158,15 @@ void THtmlParser::SetTag()
 {
     TagType = htIdent;
     const THtNameRec* record = FTokenizer.NameRecord();
-    const String& name = FTokenizer.Token().Name;
-    if (record && (FCaseSensitive || record->IsLower))
+    if (record && (FCaseSensitive || record->IsLower)) [[likely]]
         Tag.Assign(record->Value, record->LowerHash, record->Id);
     else
-        Tag = THtTagName(FCaseSensitive ? name : name.ToLowerAscii());
+        SetFoldedTag(FTokenizer.Token().Name);
+}
+
+void THtmlParser::SetFoldedTag(const String& name)
+{
+    Tag = THtTagName(FCaseSensitive ? name : name.ToLowerAscii());
 }
 
 void THtmlParser::AddRawBody(std::u16string_view body)

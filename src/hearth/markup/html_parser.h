@@ -45,6 +45,13 @@ public:
     /// text.
     bool SkipCloseTag(std::u16string_view tag) noexcept;
     std::u16string_view NextBlanks() noexcept;
+    /// NextItem for an item that is the plain end tag of the element. False, with nothing read, for all
+    /// others.
+    bool NextIsEndOf(const THtNode& element)
+    {
+        const char16_t* const p = FTokenizer.Parser().p;
+        return p[0] == u'<' && p[1] == u'/' && ReadEndOf(element);
+    }
 
     /// Re-decodes the rest of the text, and what `Root` holds, as UTF-8 when it is UTF-8 that was read with
     /// one unit a byte. Acts only for a new encoding that is heUTF8, which needs no code page.
@@ -113,13 +120,17 @@ public:
 private:
     enum TDuplicateAttribute : std::uint8_t { daFirstStays, daReplaces };
 
+    bool ReadEndOf(const THtNode& element);
     bool Repeat();
+    void StartItem();
     bool ReadItem();
     bool ReadOtherItem();
     bool ReadTagName();
     bool SetTextItem();
     void SetTag();
+    void SetFoldedTag(const String& name);
     bool ReadAttributes();
+    bool ReadOtherAttributes(bool more);
     bool NextInTag();
     bool ReadAttribute();
     bool ReadAttributeValue(const String& name);

@@ -40,10 +40,10 @@ bool EndsUnquotedValue(THTMLTokenType type)
 bool THtmlParser::NextInTag()
 {
     while (!FTokenizer.ReadPlainTagEnd()) {
-        const THtNameRec* name = IsCloseTag ? nullptr : FTokenizer.ReadPlainAttribute();
+        const THtNameRec* name = IsCloseTag ? nullptr : FTokenizer.ReadPlainAttributeName();
         if (!name)
             return FTokenizer.NextToken(false);
-        FAttributes.AddNew(name->Value, FTokenizer.Token().Name);
+        FAttributes.AddNew(name->Value, FTokenizer.ReadPlainValue());
     }
     return true;
 }
@@ -51,7 +51,16 @@ bool THtmlParser::NextInTag()
 /// Reads to the end of the tag. False at the end of the text: a tag that is cut off is no item.
 bool THtmlParser::ReadAttributes()
 {
-    bool more = NextInTag();
+    const bool more = NextInTag();
+    if (!more || FTokenizer.Type() != htTagEnd || ActsAtEnd(Tag.Id)) [[unlikely]]
+        return ReadOtherAttributes(more);
+    StartPos = FTokenizer.StartPos();
+    return true;
+}
+
+/// The rest of a tag that has more than plain attributes, from the current token on.
+bool THtmlParser::ReadOtherAttributes(bool more)
+{
     bool inTag = true;
     while (more && inTag) {
         switch (FTokenizer.Type()) {
@@ -91,7 +100,7 @@ bool THtmlParser::ReadAttributes()
         if (Tag.Id == tags::kMeta && !IgnoreMetaEncoding)
             CheckMeta();
     }
-    StartPos = FTokenizer.Token().StartPos;
+    StartPos = FTokenizer.StartPos();
     return true;
 }
 

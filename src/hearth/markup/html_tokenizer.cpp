@@ -23,12 +23,19 @@ void THTMLTokenizer::SetNameTables(THtNameTable* tagNames, THtNameTable* attribu
     FAttributeNames = attributeNames;
 }
 
+void THTMLTokenizer::Restart(const String& text)
+{
+    ReadLeftText(); // it stands in the old text
+    FParser.Init(text);
+}
+
 bool THTMLTokenizer::NextToken(bool AllowString)
 {
     if (FParser.Empty()) {
         FEof = true;
         return false;
     }
+    ReadLeftText();
     FToken.StartPos = FParser.Offset();
     bool more = true;
     if (FToken.CType == htTagEnd && *FParser.p != u'<') {

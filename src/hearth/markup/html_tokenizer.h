@@ -28,8 +28,13 @@ public:
     /// disappear. In XML mode a "<" that opens no name throws EHtmlParserException.
     bool NextToken(bool AllowString);
 
-    const THTMLToken& Token() const noexcept { return FToken; }
+    const THTMLToken& Token()
+    {
+        ReadLeftText();
+        return FToken;
+    }
     THTMLTokenType Type() const noexcept { return FToken.CType; }
+    std::int32_t StartPos() const noexcept { return FToken.StartPos; }
     /// The record of the name that was read last, null when it is in neither table.
     const THtNameRec* NameRecord() const noexcept { return FNameRecord; }
     TStringParser& Parser() noexcept { return FParser; }
@@ -42,6 +47,8 @@ public:
     void SetXMLMode(bool value) noexcept { FXMLMode = value; }
     /// The interning tables, not owned; both must outlive the tokenizer's use.
     void SetNameTables(THtNameTable* tagNames, THtNameTable* attributeNames) noexcept;
+    /// Goes on at the start of another text.
+    void Restart(const String& text);
     /// Moves the cursor back one unit and forgets nothing else.
     void StepBack() noexcept { FParser.Skip(-1); }
 
@@ -50,17 +57,35 @@ private:
 
     enum TRawBody : std::uint8_t { rbNone, rbScript, rbStyle };
 
-    // The quick readers, in html_tokenizer_plain_p.h.
+    // The quick readers, in html_tokenizer_plain_p.h. They hand out what they read and leave the token's own
+    // text to the few who ask for it.
 
+    /// What stands for the token's text until then.
+    enum TLeftText : std::uint8_t { ltNothing, ltName, ltQuoted, ltPlain };
+    void LeaveText(TLeftText kind, const char16_t* from) noexcept
+    {
+        FLeftText = kind;
+        FLeftFrom = from;
+    }
+    void ReadLeftText()
+    {
+        if (FLeftText != ltNothing)
+            ReadTextAgain();
+    }
+    void ReadTextAgain();
+    const String& ReadKnownTag() const;
     /// What ReadTagHead met.
     enum TTagHead : std::uint8_t { thNone, thOpen, thComplete };
     /// Reads "<" or "</" with a plain name behind it in one step, as three calls of NextToken would (thOpen),
     /// and the ">" with it where it follows at once and nothing hangs on it (thComplete). Reads nothing where
     /// something else stands.
     TTagHead ReadTagHead(bool& isCloseTag);
+    /// Reads the end tag of a known tag at a "</", as ReadTagHead would. False, with nothing read, where
+    /// another one stands.
+    bool ReadEndTag(TTagId tag) noexcept;
     /// Reads the text behind a tag, as NextToken would. False, with nothing read, where something else
     /// stands.
-    bool ReadPlainText();
+    bool ReadPlainText(String& text);
     /// Reads the ">" of a tag without a body, as NextToken would.
     bool ReadPlainTagEnd() noexcept;
     /// Reads "</", the tag and ">", as NextToken would but for the token's name. False, with nothing read,
@@ -69,10 +94,12 @@ private:
     /// Reads a text of blanks behind a tag and in front of a "<", as NextToken would but for the token's name.
     /// Empty, with nothing read, where something else stands. Lifetime: that of the text.
     std::u16string_view ReadPlainBlanks() noexcept;
-    /// Reads blanks, a known attribute name, "=" and a quoted value in one step, as NextToken(false) and
-    /// three calls more would, and leaves the value in the token. Null, with nothing read, where something
-    /// else stands.
-    const THtNameRec* ReadPlainAttribute();
+    void EndTagAt(const char16_t* end) noexcept;
+    /// Reads blanks, a known attribute name and the "=" in front of a quoted value in one step. Null, with
+    /// nothing read, where something else stands. ReadPlainValue has to follow; both together do what
+    /// NextToken(false) and three calls more would.
+    const THtNameRec* ReadPlainAttributeName();
+    String ReadPlainValue();
     TTagHead ReadShortTagHead(const char16_t* name, bool closes);
     TTagHead ReadLongTagHead(const char16_t* name, bool closes);
     const THtNameRec* FindAttribute(const char16_t*& p) const;
@@ -120,6 +147,8 @@ private:
     THtNameTable* FTagNames = nullptr;
     THtNameTable* FAttributeNames = nullptr;
     std::u16string FBuffer; // text that is put together around references
+    const char16_t* FLeftFrom = nullptr; // where a text that was left begins
+    TLeftText FLeftText = ltNothing;
     TRawBody FRawBody = rbNone; // what follows the tag that is being opened
     bool FInTag = false;
     bool FCaseSensitive;

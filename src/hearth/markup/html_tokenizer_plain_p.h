@@ -39,7 +39,7 @@ inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t*
     if (!record)
         return thNone;
     FNameRecord = record;
-    FToken.Name = record->Value;
+    LeaveText(ltName, name);
     FParser.p = end;
     FRawBody = closes || !record->ActsAtEnd ? rbNone : RawBodyOf(record->Id);
     if (!record->ActsAtEnd && ReadPlainTagEnd())
@@ -48,25 +48,48 @@ inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadShortTagHead(const char16_t*
     return thOpen;
 }
 
+/// Nearly all elements end with their own tag. That its length is known beforehand lets the processor go on
+/// with what follows while it still compares.
+inline bool THTMLTokenizer::ReadEndTag(TTagId tag) noexcept
+{
+    const char16_t* const p = FParser.p + 2;
+    const TShortName& name = detail::kShortTags[tag];
+    if (FParser.pend - p < kShortNameUnits || name.Length == 0)
+        return false;
+    if (p[name.Length] != u'>' || !StandsAt(name, p))
+        return false;
+    LeaveText(ltName, p);
+    FRawBody = rbNone;
+    EndTagAt(p + name.Length);
+    return true;
+}
+
 inline bool THTMLTokenizer::ReadPlainTagEnd() noexcept
 {
     if (*FParser.p != u'>' || !FInTag || FRawBody != rbNone)
         return false;
+    EndTagAt(FParser.p);
+    return true;
+}
+
+inline void THTMLTokenizer::EndTagAt(const char16_t* end) noexcept
+{
+    FParser.p = end;
     FToken.CType = htTagEnd;
     FToken.StartPos = FParser.Offset();
     FToken.EndPos = FToken.StartPos + 1;
     ++FParser.p;
     FInTag = false;
-    return true;
 }
 
-inline bool THTMLTokenizer::ReadPlainText()
+inline bool THTMLTokenizer::ReadPlainText(String& text)
 {
     if (FToken.CType != htTagEnd || FParser.Empty() || *FParser.p == u'<')
         return false;
     FToken.StartPos = FParser.Offset();
     FToken.CType = htString;
-    FToken.Name = ReadUpTo(u'<');
+    LeaveText(ltPlain, FParser.p);
+    text = ReadUpTo(u'<');
     FToken.EndPos = FParser.Offset();
     return true;
 }
@@ -80,12 +103,8 @@ inline bool THTMLTokenizer::ReadPlainCloseTag(std::u16string_view tag) noexcept
         return false;
     if (!std::equal(tag.begin(), tag.end(), p + 2))
         return false;
-    FParser.p = p + length + kMarks;
-    FToken.CType = htTagEnd;
-    FToken.EndPos = FParser.Offset();
-    FToken.StartPos = FToken.EndPos - 1;
     FRawBody = rbNone;
-    FInTag = false;
+    EndTagAt(p + length + kMarks - 1);
     return true;
 }
 
@@ -101,12 +120,13 @@ inline std::u16string_view THTMLTokenizer::ReadPlainBlanks() noexcept
         return {};
     FToken.StartPos = FParser.Offset();
     FToken.CType = htString;
+    LeaveText(ltPlain, from);
     FParser.p = to;
     FToken.EndPos = FParser.Offset();
     return {from, static_cast<std::size_t>(to - from)};
 }
 
-inline const THtNameRec* THTMLTokenizer::ReadPlainAttribute()
+inline const THtNameRec* THTMLTokenizer::ReadPlainAttributeName()
 {
     const char16_t* p = FParser.p;
     if (ClassInTag(*p) == ccSpace) {
@@ -118,9 +138,14 @@ inline const THtNameRec* THTMLTokenizer::ReadPlainAttribute()
     if (!name || (!name->IsLower && !FCaseSensitive))
         return nullptr;
     FParser.p = p;
-    FToken.CType = htString;
-    FToken.Name = ReadQuoted();
     return name;
+}
+
+inline String THTMLTokenizer::ReadPlainValue()
+{
+    FToken.CType = htString;
+    LeaveText(ltQuoted, FParser.p);
+    return ReadQuoted();
 }
 
 /// The record of a known name at `p` with "=" and a quote behind it, which `p` then points at; else null.

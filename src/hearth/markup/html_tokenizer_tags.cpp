@@ -47,6 +47,7 @@ THTMLTokenizer::TRawBody THTMLTokenizer::RawBodyOf(TTagId tag)
 THTMLTokenizer::TTagHead THTMLTokenizer::ReadLongTagHead(const char16_t* name, bool closes)
 {
     FParser.p = name;
+    FLeftText = ltNothing;
     FToken.StartPos = FParser.Offset();
     if (closes) {
         FRawBody = rbNone;

@@ -3,7 +3,10 @@
 #include <hearth/markup/html_tokenizer.h>
 
 #include <hearth/markup/entities.h>
+#include <hearth/markup/short_name_p.h>
 #include <hearth/runtime/simd_p.h>
+
+#include <utility>
 
 namespace ht {
 
@@ -43,6 +46,22 @@ String THTMLTokenizer::ReadQuoted()
     String text = ReadUpTo(quote);
     FParser.Next();
     return text;
+}
+
+void THTMLTokenizer::ReadTextAgain()
+{
+    const TLeftText kind = std::exchange(FLeftText, ltNothing);
+    const char16_t* const here = std::exchange(FParser.p, FLeftFrom);
+    FToken.Name = kind == ltName ? ReadKnownTag() : kind == ltQuoted ? ReadQuoted() : ReadUpTo(u'<');
+    FParser.p = here;
+}
+
+/// A short name at the cursor that is known to be a tag.
+const String& THTMLTokenizer::ReadKnownTag() const
+{
+    const std::u16string_view name =
+        FParser.Rest().substr(0, static_cast<std::size_t>(ReadShortName(FParser.p).Length));
+    return FTagNames->Find(RSHash(name), name)->Value;
 }
 
 /// Reads up to `end`, where the cursor then stands; a reference that takes more moves it on to the next text

@@ -34,17 +34,6 @@ const THtNameRec* FindIn(const THtObjectDictionary& names, std::uint32_t hash, s
     return static_cast<const THtNameRec*>(names.GetHashed(hash, name));
 }
 
-/// The key that TShortName gives a name; 0 for longer names and other characters.
-std::uint64_t ShortKey(std::u16string_view name)
-{
-    char16_t units[kShortNameUnits]{};
-    if (name.size() >= kShortNameUnits)
-        return 0;
-    std::copy(name.begin(), name.end(), units);
-    const TShortName read = ReadShortName(units);
-    return static_cast<std::size_t>(read.Length) == name.size() ? read.Key : 0;
-}
-
 std::span<const TKnownName> RowsOf(THtNameTable::TKind kind)
 {
     return kind == THtNameTable::ntTags ? std::span<const TKnownName>(kKnownTags)
@@ -63,8 +52,8 @@ THtNameTable::KnownNames::KnownNames(TKind kind)
         const THtNameRec& added =
             AddName(All, String::OfStatic(row.Text), hash, kind == ntTags ? id : TTagId{0});
         Likely[hash % kLikelySlots] = &added;
-        if (const std::uint64_t key = ShortKey(row.Text.View()); key != 0)
-            Short[ShortSlot(key)] = {key, &added};
+        if (const TShortName name = ShortNameOf(row.Text.View()); name.Length > 0)
+            Short[ShortSlot(name.Key)] = {name.Key, &added};
     }
 }
 
@@ -93,7 +82,7 @@ THtNameRec::THtNameRec(const String& value, std::uint32_t hash, TTagId id)
     , LowerHash(RSHashLower(value))
     , Id(id)
     , IsLower(std::none_of(value.begin(), value.end(), IsAsciiUpper))
-    , ActsAtEnd(id == tags::kScript || id == tags::kStyle || id == tags::kMeta)
+    , ActsAtEnd(ht::ActsAtEnd(id))
 {
 }
 

@@ -15,10 +15,15 @@ namespace {
     throw Exception(u"Child node not found"_s);
 }
 
+[[noreturn, gnu::noinline]] void RaiseNoClass()
+{
+    throw EAssertionFailed(u"No class for a new node"_s);
+}
+
 std::unique_ptr<THtNode> NewNode(const THtNodeClass& nodeClass)
 {
-    if (!nodeClass)
-        throw EAssertionFailed(u"No class for a new node"_s);
+    if (!nodeClass) [[unlikely]]
+        RaiseNoClass();
     return nodeClass.Create();
 }
 

@@ -12,6 +12,7 @@
 #include <concepts>
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace ht {
 
@@ -240,7 +241,10 @@ private:
 protected:
     /// The store, made on first use.
     THtAttributes& NeedAttributes();
-    void ReplaceAttributes(std::unique_ptr<THtAttributes> attributes) noexcept;
+    void ReplaceAttributes(std::unique_ptr<THtAttributes> attributes) noexcept
+    {
+        delete std::exchange(FAttributes, attributes.release());
+    }
     /// Drops the children without their list being kept.
     void DropNodes() noexcept;
 

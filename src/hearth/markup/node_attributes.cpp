@@ -26,12 +26,6 @@ THtAttributes& THtNode::NeedAttributes()
     return *FAttributes;
 }
 
-void THtNode::ReplaceAttributes(std::unique_ptr<THtAttributes> attributes) noexcept
-{
-    delete FAttributes;
-    FAttributes = attributes.release();
-}
-
 const String& THtNode::GetAttribute(std::u16string_view Name) const
 {
     return FAttributes ? FAttributes->GetAttribute(Name) : kNoValue;

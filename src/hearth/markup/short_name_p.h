@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/markup/tag_names.h>
 #include <hearth/runtime/simd_p.h>
+#include <hearth/runtime/text.h>
 
+#include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace ht {
 
@@ -28,6 +32,41 @@ inline TShortName ReadShortName(const char16_t* p) noexcept
         return {};
     const std::uint64_t inName = (std::uint64_t{1} << (8 * length)) - 1;
     return {units.Bytes() & inName, length};
+}
+
+/// The same for a whole name; one that is no short name has the length 0.
+constexpr TShortName ShortNameOf(std::u16string_view name) noexcept
+{
+    if (name.size() >= static_cast<std::size_t>(kShortNameUnits))
+        return {};
+    TShortName result;
+    for (const char16_t c : name) {
+        if (!IsAsciiLower(c) && !IsAsciiDigit(c))
+            return {};
+        result.Key |= std::uint64_t{c} << (8 * result.Length++);
+    }
+    return result;
+}
+
+namespace detail {
+
+/// By id, for the tags at whose ">" nothing more happens.
+inline constexpr auto kShortTags = [] {
+    std::array<TShortName, std::size(kKnownTags) + 1> names{};
+    for (TTagId id = 1; id < names.size(); ++id) {
+        if (!ActsAtEnd(id))
+            names[id] = ShortNameOf(kKnownTags[id - 1].Text.View());
+    }
+    return names;
+}();
+
+}
+
+/// True when the short name stands at `p`, whatever follows; kShortNameUnits units have to be readable.
+inline bool StandsAt(const TShortName& name, const char16_t* p) noexcept
+{
+    const std::uint64_t behind = ~std::uint64_t{0} << (8 * name.Length);
+    return (simd::Units8::Load(p).Bytes() & ~behind) == name.Key;
 }
 
 }

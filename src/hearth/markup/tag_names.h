@@ -113,6 +113,12 @@ inline constexpr TTagId kXBody = Known(u"xbody");
 
 }
 
+/// More happens at the ">" of such a tag than that it ends.
+constexpr bool ActsAtEnd(TTagId id)
+{
+    return id == tags::kScript || id == tags::kStyle || id == tags::kMeta;
+}
+
 /// A tag name together with what look-ups need of it, so that both are found once.
 struct HT_API THtTagName {
     THtTagName() = default;
@@ -131,6 +137,7 @@ struct HT_API THtTagName {
         Hash = hash;
         Id = id;
     }
+    void Clear() noexcept { Assign(String(), 0, 0); }
     bool IsEmpty() const noexcept { return Name.IsEmpty(); }
     operator const String&() const noexcept { return Name; }
     /// True when the whole names are equal, case included.

@@ -99,8 +99,11 @@ public:
     }
     String& operator=(String&& other) noexcept
     {
-        String taken(std::move(other));
-        swap(taken);
+        if (this != &other) {
+            if (FUnits)
+                Release();
+            FUnits = std::exchange(other.FUnits, nullptr);
+        }
         return *this;
     }
     constexpr ~String()
