@@ -135,6 +135,7 @@ private:
     // The descent over items. `result` is what InternalParse returns behind psReturn.
     bool TakeOverItem(THtmlParser& HP);
     TParseStep AddTextItem(THtmlParser& HP);
+    TParseStep AddOtherItem(THtmlParser& HP);
     TParseStep OpenElement(THtmlParser& HP, THtmlNode*& result);
     TParseStep OpenRowFor(THtmlParser& HP, THtmlNode*& result);
     TParseStep OpenOddRow(THtmlParser& HP, THtmlNode*& result);

@@ -156,81 +156,6 @@ void THtmlNode::SetInnerText(const String& Text)
 
 // --- The descent. A frame of InternalParse is one open element; see the rules in html_node_repair.cpp.
 
-THtmlNode* THtmlNode::InternalParse(THtmlParser& HP)
-{
-    ++HP.FStackLevel;
-    if (!HP.RepeatCurrent && !TakeOverItem(HP))
-        return nullptr;
-    THtmlNode* result = nullptr;
-    for (;;) {
-        if (HP.NextIsEndOf(*this)) {
-            FinishElement(HP);
-            return nullptr;
-        }
-        if (!HP.NextItem())
-            break;
-        const TParseStep step = HP.IsCloseTag ? CloseItem(HP, result)
-            : !HP.IncorrectStack.IsEmpty()    ? Reopen(HP, result)
-            : HP.TagType == htIdent           ? OpenElement(HP, result)
-                                              : AddTextItem(HP);
-        if (step == psReturn)
-            return result;
-    }
-    AfterParse();
-    return nullptr;
-}
-
-/// Makes this node the element of the current item. False when the element is complete with that.
-bool THtmlNode::TakeOverItem(THtmlParser& HP)
-{
-    if (FTag.IsEmpty())
-        SetTag(HP.Tag);
-    TagType = HP.TagType;
-    ParseAttributes(HP);
-    return !HP.TagClosed;
-}
-
-/// An item that is no element with children: a text, or what has a text for its body.
-THtmlNode::TParseStep THtmlNode::AddTextItem(THtmlParser& HP)
-{
-    switch (HP.TagType) {
-    case htString:
-        if (THtmlNode* text = NewChild(HP, kNoTag)) {
-            text->TagType = htString;
-            text->SetContent(HP.Value);
-        }
-        break;
-    case htScript:
-    case htStyle:
-        AddContentNode(HP, HP.Tag, HP.Tag);
-        break;
-    case htComment:
-        AddContentNode(HP, CommentTag(), CommentTag());
-        break;
-    case htDirective:
-        AddContentNode(HP, DirectiveTag(), DirectiveTag());
-        break;
-    case htCData:
-        AddContentNode(HP, CommentTag(), kNoTag);
-        break;
-    default:
-        break;
-    }
-    return psNextItem;
-}
-
-/// A child whose body is one text: script, style, comment, directive, CDATA.
-void THtmlNode::AddContentNode(THtmlParser& HP, const THtTagName& classTag, const THtTagName& tag)
-{
-    THtmlNode* child = NewChild(HP, classTag);
-    if (!child)
-        return;
-    child->TagType = HP.TagType;
-    child->SetTag(tag);
-    child->FContent = HP.Value;
-    child->ParseAttributes(HP);
-}
-
 /// A new last child for a tag (none: for text), or null where the tag's class says that it is to be dropped.
 THtmlNode* THtmlNode::NewChild(THtmlParser& HP, const THtTagName& classTag)
 {
@@ -253,28 +178,101 @@ THtmlNode* THtmlNode::NewElement(THtmlParser& HP, const THtTagName& classTag, co
     return child;
 }
 
-THtmlNode::TParseStep THtmlNode::OpenElement(THtmlParser& HP, THtmlNode*& result)
+/// A child whose body is one text: script, style, comment, directive, CDATA.
+void THtmlNode::AddContentNode(THtmlParser& HP, const THtTagName& classTag, const THtTagName& tag)
 {
-    if (IsTagIn(HP.Tag.Id, tgVoid)) {
-        HP.TagClosed = true;
-        return AddElement(HP, result);
+    THtmlNode* child = NewChild(HP, classTag);
+    if (!child)
+        return;
+    child->TagType = HP.TagType;
+    child->SetTag(tag);
+    child->FContent = HP.Value;
+    child->ParseAttributes(HP);
+}
+
+/// An item that is neither an element with children nor a text.
+THtmlNode::TParseStep THtmlNode::AddOtherItem(THtmlParser& HP)
+{
+    switch (HP.TagType) {
+    case htScript:
+    case htStyle:
+        AddContentNode(HP, HP.Tag, HP.Tag);
+        break;
+    case htComment:
+        AddContentNode(HP, CommentTag(), CommentTag());
+        break;
+    case htDirective:
+        AddContentNode(HP, DirectiveTag(), DirectiveTag());
+        break;
+    case htCData:
+        AddContentNode(HP, CommentTag(), kNoTag);
+        break;
+    default:
+        break;
     }
-    const bool takesRows = FTagId == tags::kTable || FTagId == tags::kThead || FTagId == tags::kTbody;
-    if (takesRows && (HP.Tag.Id == tags::kTd || HP.Tag.Id == tags::kTh))
-        return OpenRowFor(HP, result);
-    if (takesRows && HP.Tag.Id == tags::kP)
-        return OpenOddRow(HP, result);
-    THtmlNode* cell = nullptr;
-    THtmlNode* target = FindFloat(HP, cell);
-    if (cell) {
-        HP.RepeatCurrent = true;
-        return ParseChild(HP, *cell, result);
+    return psNextItem;
+}
+
+/// A text. What has a text for its body comes more seldom.
+inline THtmlNode::TParseStep THtmlNode::AddTextItem(THtmlParser& HP)
+{
+    if (HP.TagType != htString) [[unlikely]]
+        return AddOtherItem(HP);
+    if (THtmlNode* text = NewChild(HP, kNoTag)) {
+        text->TagType = htString;
+        text->SetContent(HP.Value);
     }
-    if (!target && HP.FStackLevel > THtmlParser::kMaxLevels)
-        target = GetParent();
-    if (target)
-        return FloatTo(HP, target, result);
-    return AddElement(HP, result);
+    return psNextItem;
+}
+
+/// The node of a start tag. A void element in a table body goes in front of the table.
+THtmlNode* THtmlNode::NewPlacedElement(THtmlParser& HP)
+{
+    THtmlNode* table = GetParent();
+    const bool misplaced = HP.TagClosed && FTagId == tags::kTbody && HP.Tag.Id != tags::kTr && table
+        && IsWithinRoot(HP, table->FParent);
+    if (!misplaced)
+        return NewChild(HP, HP.Tag);
+    THtmlNode* outer = table->GetParent();
+    THtmlNode* child = outer->NewChild(HP, HP.Tag);
+    const std::int32_t last = outer->Count() - 1;
+    if (child && last > 0)
+        outer->FNodes->Move(last, last - 1);
+    return child;
+}
+
+/// Goes on here when the target is a child of this node (the element behind it is complete), else further up.
+THtmlNode::TParseStep THtmlNode::ReturnTo(THtmlNode* target, THtmlNode*& result)
+{
+    if (!target || target->FParent == this)
+        return psNextItem;
+    AfterParse();
+    result = target;
+    return psReturn;
+}
+
+THtmlNode::TParseStep THtmlNode::ParseChild(THtmlParser& HP, THtmlNode& child, THtmlNode*& result)
+{
+    THtmlNode* target = child.InternalParse(HP);
+    --HP.FStackLevel;
+    return ReturnTo(target, result);
+}
+
+/// Closes elements up to and including `target`; the item is read again by its parent.
+THtmlNode::TParseStep THtmlNode::FloatTo(THtmlParser& HP, THtmlNode* target, THtmlNode*& result)
+{
+    HP.RepeatCurrent = true;
+    result = target;
+    return psReturn;
+}
+
+inline THtmlNode::TParseStep THtmlNode::AddElement(THtmlParser& HP, THtmlNode*& result)
+{
+    THtmlNode* child = NewPlacedElement(HP);
+    if (!child)
+        return psNextItem;
+    child->SetTag(HP.Tag);
+    return ParseChild(HP, *child, result);
 }
 
 /// A cell directly in a table gets a row around it.
@@ -306,54 +304,61 @@ THtmlNode::TParseStep THtmlNode::OpenOddRow(THtmlParser& HP, THtmlNode*& result)
     return target && target->FParent == row ? psNextItem : ReturnTo(target, result);
 }
 
-THtmlNode::TParseStep THtmlNode::AddElement(THtmlParser& HP, THtmlNode*& result)
+inline THtmlNode::TParseStep THtmlNode::OpenElement(THtmlParser& HP, THtmlNode*& result)
 {
-    THtmlNode* child = NewPlacedElement(HP);
-    if (!child)
-        return psNextItem;
-    child->SetTag(HP.Tag);
-    return ParseChild(HP, *child, result);
+    if (IsTagIn(HP.Tag.Id, tgVoid)) {
+        HP.TagClosed = true;
+        return AddElement(HP, result);
+    }
+    const bool takesRows = FTagId == tags::kTable || FTagId == tags::kThead || FTagId == tags::kTbody;
+    if (takesRows && (HP.Tag.Id == tags::kTd || HP.Tag.Id == tags::kTh))
+        return OpenRowFor(HP, result);
+    if (takesRows && HP.Tag.Id == tags::kP)
+        return OpenOddRow(HP, result);
+    THtmlNode* cell = nullptr;
+    THtmlNode* target = FindFloat(HP, cell);
+    if (cell) {
+        HP.RepeatCurrent = true;
+        return ParseChild(HP, *cell, result);
+    }
+    if (!target && HP.FStackLevel > THtmlParser::kMaxLevels)
+        target = GetParent();
+    if (target)
+        return FloatTo(HP, target, result);
+    return AddElement(HP, result);
 }
 
-/// The node of a start tag. A void element in a table body goes in front of the table.
-THtmlNode* THtmlNode::NewPlacedElement(THtmlParser& HP)
+/// Makes this node the element of the current item. False when the element is complete with that.
+inline bool THtmlNode::TakeOverItem(THtmlParser& HP)
 {
-    THtmlNode* table = GetParent();
-    const bool misplaced = HP.TagClosed && FTagId == tags::kTbody && HP.Tag.Id != tags::kTr && table
-        && IsWithinRoot(HP, table->FParent);
-    if (!misplaced)
-        return NewChild(HP, HP.Tag);
-    THtmlNode* outer = table->GetParent();
-    THtmlNode* child = outer->NewChild(HP, HP.Tag);
-    const std::int32_t last = outer->Count() - 1;
-    if (child && last > 0)
-        outer->FNodes->Move(last, last - 1);
-    return child;
+    if (FTag.IsEmpty())
+        SetTag(HP.Tag);
+    TagType = HP.TagType;
+    ParseAttributes(HP);
+    return !HP.TagClosed;
 }
 
-THtmlNode::TParseStep THtmlNode::ParseChild(THtmlParser& HP, THtmlNode& child, THtmlNode*& result)
+THtmlNode* THtmlNode::InternalParse(THtmlParser& HP)
 {
-    THtmlNode* target = child.InternalParse(HP);
-    --HP.FStackLevel;
-    return ReturnTo(target, result);
-}
-
-/// Goes on here when the target is a child of this node (the element behind it is complete), else further up.
-THtmlNode::TParseStep THtmlNode::ReturnTo(THtmlNode* target, THtmlNode*& result)
-{
-    if (!target || target->FParent == this)
-        return psNextItem;
+    ++HP.FStackLevel;
+    if (!HP.RepeatCurrent && !TakeOverItem(HP))
+        return nullptr;
+    THtmlNode* result = nullptr;
+    for (;;) {
+        if (HP.NextIsEndOf(*this)) {
+            FinishElement(HP);
+            return nullptr;
+        }
+        if (!HP.NextItem())
+            break;
+        const TParseStep step = HP.IsCloseTag ? CloseItem(HP, result)
+            : !HP.IncorrectStack.IsEmpty()    ? Reopen(HP, result)
+            : HP.TagType == htIdent           ? OpenElement(HP, result)
+                                              : AddTextItem(HP);
+        if (step == psReturn)
+            return result;
+    }
     AfterParse();
-    result = target;
-    return psReturn;
+    return nullptr;
 }
-
-/// Closes elements up to and including `target`; the item is read again by its parent.
-THtmlNode::TParseStep THtmlNode::FloatTo(THtmlParser& HP, THtmlNode* target, THtmlNode*& result)
-{
-    HP.RepeatCurrent = true;
-    result = target;
-    return psReturn;
-}
-
 }

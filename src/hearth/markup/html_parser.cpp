@@ -94,6 +94,16 @@ bool THtmlParser::Repeat()
     return ++FRepeats > kMaxRepeats ? ReadItem() : !FTokenizer.Eof();
 }
 
+inline void THtmlParser::SetTag()
+{
+    TagType = htIdent;
+    const THtNameRec* record = FTokenizer.NameRecord();
+    if (record && (FCaseSensitive || record->IsLower)) [[likely]]
+        Tag.Assign(record->Value, record->LowerHash, record->Id);
+    else
+        SetFoldedTag(FTokenizer.Token().Name);
+}
+
 bool THtmlParser::ReadItem()
 {
     StartItem();
@@ -152,16 +162,6 @@ bool THtmlParser::ReadTagName()
     if (FTokenizer.Type() == htIdent)
         SetTag();
     return true;
-}
-
-void THtmlParser::SetTag()
-{
-    TagType = htIdent;
-    const THtNameRec* record = FTokenizer.NameRecord();
-    if (record && (FCaseSensitive || record->IsLower)) [[likely]]
-        Tag.Assign(record->Value, record->LowerHash, record->Id);
-    else
-        SetFoldedTag(FTokenizer.Token().Name);
 }
 
 void THtmlParser::SetFoldedTag(const String& name)

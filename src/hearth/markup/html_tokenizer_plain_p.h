@@ -5,6 +5,7 @@
 #include <hearth/markup/html_chars_p.h>
 #include <hearth/markup/html_tokenizer.h>
 #include <hearth/markup/short_name_p.h>
+#include <hearth/runtime/simd_p.h>
 
 #include <algorithm>
 
@@ -80,6 +81,25 @@ inline void THTMLTokenizer::EndTagAt(const char16_t* end) noexcept
     FToken.EndPos = FToken.StartPos + 1;
     ++FParser.p;
     FInTag = false;
+}
+
+/// The text up to a mark or the end. Most texts hold no reference and are one stretch.
+inline String THTMLTokenizer::ReadUpTo(char16_t mark)
+{
+    const char16_t* const from = FParser.p;
+    const char16_t* const end = simd::FindAny(from, FParser.pend, mark, u'&');
+    if (end < FParser.pend && *end == u'&') [[unlikely]]
+        return ReadResolved(simd::FindAny(end, FParser.pend, mark), {});
+    FParser.p = end;
+    return String(std::u16string_view(from, static_cast<std::size_t>(end - from)));
+}
+
+inline String THTMLTokenizer::ReadQuoted()
+{
+    const char16_t quote = *FParser.p++;
+    String text = ReadUpTo(quote);
+    FParser.Next();
+    return text;
 }
 
 inline bool THTMLTokenizer::ReadPlainText(String& text)

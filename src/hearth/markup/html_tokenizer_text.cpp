@@ -3,7 +3,7 @@
 #include <hearth/markup/html_tokenizer.h>
 
 #include <hearth/markup/entities.h>
-#include <hearth/markup/short_name_p.h>
+#include <hearth/markup/html_tokenizer_plain_p.h>
 #include <hearth/runtime/simd_p.h>
 
 #include <utility>
@@ -23,29 +23,10 @@ void THTMLTokenizer::ReadText()
     FToken.CType = htString;
 }
 
-/// The text up to a mark or the end. Most texts hold no reference and are one stretch.
-String THTMLTokenizer::ReadUpTo(char16_t mark)
-{
-    const char16_t* const from = FParser.p;
-    const char16_t* const end = simd::FindAny(from, FParser.pend, mark, u'&');
-    if (end < FParser.pend && *end == u'&')
-        return ReadResolved(simd::FindAny(end, FParser.pend, mark), {});
-    FParser.p = end;
-    return String(std::u16string_view(from, static_cast<std::size_t>(end - from)));
-}
-
 void THTMLTokenizer::ReadString()
 {
     FToken.Name = ReadQuoted();
     FToken.CType = htString;
-}
-
-String THTMLTokenizer::ReadQuoted()
-{
-    const char16_t quote = *FParser.p++;
-    String text = ReadUpTo(quote);
-    FParser.Next();
-    return text;
 }
 
 void THTMLTokenizer::ReadTextAgain()

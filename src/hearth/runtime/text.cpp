@@ -29,10 +29,27 @@ char16_t* NewUnits(std::size_t length)
     return units;
 }
 
+/// The first and the last units, which may overlap.
+template <std::size_t Count> void CopyEnds(char16_t* to, std::u16string_view from)
+{
+    const std::size_t last = from.size() - Count;
+    std::memcpy(to, from.data(), Count * sizeof(char16_t));
+    std::memcpy(to + last, from.data() + last, Count * sizeof(char16_t));
+}
+
+/// Most texts are so short that a call would cost more than the copy.
 void CopyUnits(char16_t* to, std::u16string_view from)
 {
-    if (!from.empty())
+    if (from.size() > 16)
         std::memcpy(to, from.data(), from.size() * sizeof(char16_t));
+    else if (from.size() >= 8)
+        CopyEnds<8>(to, from);
+    else if (from.size() >= 4)
+        CopyEnds<4>(to, from);
+    else if (from.size() >= 2)
+        CopyEnds<2>(to, from);
+    else if (!from.empty())
+        *to = from.front();
 }
 
 template <class Fold> String Folded(const String& text, bool (*changes)(char16_t), Fold fold)
@@ -58,7 +75,7 @@ String::String(std::u16string_view text)
     if (text.empty())
         return;
     char16_t* const units = NewUnits(text.size());
-    std::memcpy(units, text.data(), text.size() * sizeof(char16_t));
+    CopyUnits(units, text);
     FUnits = units;
 }
 
