@@ -6,6 +6,7 @@
 
 #include <hearth/foundation/url_text.h>
 #include <hearth/markup/html_encode.h>
+#include <hearth/xml/xml_encode.h>
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +29,8 @@ struct Form {
 constexpr Form kForms[] = {
     {"--attr", "Escape for the value of an attribute",
         [](const ht::String& text) { return ht::HtmlEncodeAttr(text); }},
+    {"--xml", "Escape for XML", [](const ht::String& text) { return ht::XMLEncode(text); }},
+    {"--json", "Escape for a string of JSON", [](const ht::String& text) { return ht::JSONEncode(text); }},
     {"--url", "Encode for the query of an address, a blank as +",
         [](const ht::String& text) { return ht::HtEncodeUrl(text); }},
 };
@@ -54,7 +57,7 @@ void AddForms(CLI::App& command, const std::shared_ptr<EncodeOptions>& options)
 
 void AddEncode(CLI::App& hearth)
 {
-    CLI::App& command = AddCommand(hearth, "encode", "Escape a text for HTML; its last line end is left out",
+    CLI::App& command = AddCommand(hearth, "encode", "Escape a text, without its last line end",
         "echo 'a < b & \"c\"' | hearth encode --attr\n"
         "a &lt; b &amp; &quot;c&quot;");
     const auto options = std::make_shared<EncodeOptions>();

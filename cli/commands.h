@@ -9,6 +9,8 @@ class App;
 namespace hearth_cli {
 
 void AddHtml(CLI::App& hearth);
+void AddXml(CLI::App& hearth);
+void AddJson(CLI::App& hearth);
 void AddEncode(CLI::App& hearth);
 void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
@@ -19,6 +21,8 @@ void AddMan(CLI::App& hearth);
 /// A new command is one file and one name here. The help lists the commands in this order.
 inline constexpr void (*kCommands[])(CLI::App& hearth) = {
     AddHtml,
+    AddXml,
+    AddJson,
     AddEncode,
     AddDecode,
     AddEncoding,

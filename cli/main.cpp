@@ -59,7 +59,7 @@ int RefuseCommandLine(const CLI::App& hearth, const CLI::ParseError& error)
 
 int Run(int argc, char** argv)
 {
-    CLI::App hearth("Runs the Hearth library on HTML files and pipes: each command prints what the library "
+    CLI::App hearth("Runs the Hearth library on files and pipes: each command prints what the library "
                     "gives to a program.",
         "hearth");
     Describe(hearth);
