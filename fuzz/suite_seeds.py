@@ -43,7 +43,13 @@ def entities_seeds(suites):
             yield b"0----" + text
 
 
-SEEDS = {"html_fuzz": html_seeds, "html_fragment_fuzz": html_fragment_seeds, "entities_fuzz": entities_seeds}
+def json_seeds(suites):
+    for file in sorted((suites / "JSONTestSuite").glob("*/*.json")):
+        yield b"0" + file.read_bytes()
+
+
+SEEDS = {"html_fuzz": html_seeds, "html_fragment_fuzz": html_fragment_seeds, "entities_fuzz": entities_seeds,
+         "json_fuzz": json_seeds}
 
 
 def main():

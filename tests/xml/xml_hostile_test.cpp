@@ -1,5 +1,5 @@
-// XML and JSON made to hang, crash or exhaust: a tree or the stated error comes out, in bounded time and
-// stack. SPDX-License-Identifier: MIT
+// XML and JSON made to hang, crash or exhaust: a tree or the stated error comes out, in bounded time.
+// SPDX-License-Identifier: MIT
 #include <hearth/foundation/fast_raw_string.h>
 #include <hearth/foundation/hash.h>
 #include <hearth/xml/htxml.h>

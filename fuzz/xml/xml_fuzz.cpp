@@ -1,0 +1,103 @@
+// Any bytes as an XML document: read strictly, checked, printed, copied, changed, and read again.
+// SPDX-License-Identifier: MIT
+#include "../markup/tree_check.h"
+
+#include <hearth/foundation/fast_raw_string.h>
+#include <hearth/xml/htxml.h>
+
+namespace {
+
+using namespace ht::literals;
+
+/// The bits of the first byte.
+constexpr unsigned kBytesAsUnits = 1; // else as a stream is decoded
+constexpr unsigned kAnyDepth = 2;
+
+ht::String Decode(std::string_view bytes, bool asUnits)
+{
+    if (asUnits)
+        return ht::String::FromLatin1(bytes);
+    ht::TMemoryStream stream;
+    stream.WriteBuffer(bytes);
+    stream.SetPosition(0);
+    return bytes.empty() ? ht::String() : ht::THtXMLNode::StreamtoText(stream);
+}
+
+/// Reads a document into `root`; false when it is refused.
+bool Read(const ht::String& text, bool anyDepth, ht::THtXMLNode& root)
+{
+    try {
+        if (!anyDepth) {
+            root.SetXML(text);
+            return true;
+        }
+        ht::THtmlParser parser(text, true);
+        parser.SetCaseSensitive(true);
+        parser.Limits.XmlDepth = 0;
+        while (parser.NextItem()) {
+            if (parser.TagType == ht::htIdent) {
+                root.Parse(parser);
+                break;
+            }
+        }
+        return true;
+    } catch (const ht::EHtXML&) {
+        return false;
+    } catch (const ht::EHtmlParserException&) {
+        return false;
+    }
+}
+
+void PrintAll(const ht::THtXMLNode& root)
+{
+    const ht::String code = root.Code();
+    fuzz::Require(root.UTF8Code() == code.ToUtf8(), "both ways to the bytes agree");
+    fuzz::Require(root.Clone()->Code() == code, "a copy prints alike");
+    static_cast<void>(root.JSON());
+    static_cast<void>(root.GetValue());
+    static_cast<void>(root.GetPIAttribute(u"xml", u"encoding"));
+    ht::TFastRawString formatted(16);
+    root.FastUTF8FormatCode(formatted, 0, 1);
+}
+
+/// What printing gave is read again, and whatever that gives prints the same from then on.
+void ReadAgain(const ht::THtXMLNode& root)
+{
+    ht::THtXMLNode again;
+    if (Read(root.Code(), true, again))
+        fuzz::CheckTree(again);
+    if (Read(root.FormattedCode(), true, again))
+        fuzz::CheckTree(again);
+}
+
+void Change(ht::THtXMLNode& root)
+{
+    root.RemoveNamespaces();
+    root.SortbyAttr(u"a");
+    root.SetValue(u"value"_s);
+    if (root.GetCount() > 0)
+        root.Assign(*root.GetNode(root.GetCount() / 2));
+    fuzz::CheckTree(root);
+    static_cast<void>(root.Code());
+}
+
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    const unsigned mode = data[0];
+    const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
+    const bool anyDepth = (mode & kAnyDepth) != 0;
+    ht::THtXMLNode root;
+    const bool isRead = Read(Decode(bytes, (mode & kBytesAsUnits) != 0), anyDepth, root);
+    // What was read up to the error is a tree too.
+    const std::int32_t depth = fuzz::CheckTree(root);
+    fuzz::Require(anyDepth || depth <= ht::HtLimits().XmlDepth, "the depth is bounded");
+    PrintAll(root);
+    if (isRead)
+        ReadAgain(root);
+    Change(root);
+    return 0;
+}
