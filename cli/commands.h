@@ -11,6 +11,7 @@ namespace hearth_cli {
 void AddHtml(CLI::App& hearth);
 void AddXml(CLI::App& hearth);
 void AddJson(CLI::App& hearth);
+void AddXPath(CLI::App& hearth);
 void AddEncode(CLI::App& hearth);
 void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
@@ -23,6 +24,7 @@ inline constexpr void (*kCommands[])(CLI::App& hearth) = {
     AddHtml,
     AddXml,
     AddJson,
+    AddXPath,
     AddEncode,
     AddDecode,
     AddEncoding,
