@@ -146,7 +146,7 @@ TEST(id_list, the_greatest_index)
 {
     if (HEARTH_TEST_SANITIZED)
         GTEST_SKIP() << "needs a fast loop";
-    TIDList list;
+    TIDList list(TIDList::kMaxIndex + 1);
     list.SetSorted(true);
     for (std::int32_t i = 0; i <= TIDList::kMaxIndex; ++i)
         list.Add(i);

@@ -110,7 +110,7 @@ TEST(string_trie, owns_what_it_was_given_but_not_what_it_was_assigned)
 
 TEST(string_trie, long_keys_take_no_stack)
 {
-    constexpr std::size_t kLength = 50'000; // each unit is two tables of 2 KB
+    constexpr std::size_t kLength = 30'000; // each unit is two tables of 2 KB
     THtStringTrie trie(true);
     trie.Add(std::u16string(kLength, u'x'), new Counted);
     EXPECT_TRUE(trie.ContainsKey(std::u16string(kLength, u'x')));
