@@ -1,5 +1,20 @@
 # A floor is one object library; the installed libraries are made of the objects of their floors.
 
+# hearth_library(NAME): the installed library hearth::NAME, which floors then fill.
+function(hearth_library name)
+  add_library(hearth_${name})
+  add_library(hearth::${name} ALIAS hearth_${name})
+  set_target_properties(hearth_${name} PROPERTIES EXPORT_NAME ${name} OUTPUT_NAME hearth-${name} LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  target_include_directories(hearth_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_compile_features(hearth_${name} PUBLIC cxx_std_20)
+  target_link_libraries(hearth_${name} PRIVATE $<BUILD_INTERFACE:hearth_flags>)
+  if(NOT BUILD_SHARED_LIBS)
+    target_compile_definitions(hearth_${name} PUBLIC HEARTH_STATIC)
+  endif()
+endfunction()
+
 # hearth_floor(NAME LIBRARY library [FLOORS names...] [NEEDS targets...]): all sources below this folder become the
 # floor hearth_NAME. FLOORS are the floors below it, NEEDS the packages it calls, which the library then links.
 # The objects go into the library as sources, so that no floor has to be exported with it.

@@ -29,3 +29,7 @@
 #include <hearth/markup/htmlpars.h>
 
 #include <hearth/xml/htxml.h>
+
+#if __has_include(<hearth/platform/htinet.h>)
+#include <hearth/platform/htinet.h> // a build without hearth::net does not install it
+#endif

@@ -18,6 +18,7 @@
 #include <hearth/foundation/limits.h>
 #include <hearth/foundation/number_text.h>
 #include <hearth/foundation/object_list.h>
+#include <hearth/foundation/resource_loader.h>
 #include <hearth/foundation/string_parser.h>
 #include <hearth/foundation/string_trie.h>
 #include <hearth/foundation/system_colors.h>

@@ -1,0 +1,43 @@
+// Holding back SIGPIPE in one thread.
+// SPDX-License-Identifier: MIT
+#include <hearth/platform/pipe_signal_p.h>
+
+#include <ctime>
+
+namespace ht::detail {
+
+namespace {
+
+sigset_t PipeSignal() noexcept
+{
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGPIPE);
+    return set;
+}
+
+bool IsPending() noexcept
+{
+    sigset_t pending;
+    return sigpending(&pending) == 0 && sigismember(&pending, SIGPIPE) == 1;
+}
+
+}
+
+PipeSignalBlock::PipeSignalBlock() noexcept
+    : FWasPending(IsPending())
+{
+    const sigset_t pipe = PipeSignal();
+    pthread_sigmask(SIG_BLOCK, &pipe, &FOld);
+}
+
+PipeSignalBlock::~PipeSignalBlock()
+{
+    const timespec now{};
+    const sigset_t pipe = PipeSignal();
+    if (!FWasPending && IsPending())
+        sigtimedwait(&pipe, nullptr, &now);
+    pthread_sigmask(SIG_SETMASK, &FOld, nullptr);
+}
+
+}

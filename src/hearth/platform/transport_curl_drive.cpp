@@ -1,0 +1,212 @@
+// Moving a transfer on libcurl: waiting with bounds, and what went wrong when it ends.
+// SPDX-License-Identifier: MIT
+#include <hearth/platform/transport_curl_p.h>
+
+#include <hearth/platform/pipe_signal_p.h>
+
+#include <curl/curl.h>
+
+#include <algorithm>
+
+namespace ht::detail {
+
+namespace {
+
+/// Milliseconds, for clients that set a time-out and for those that do not.
+constexpr std::int32_t kResolveTimeOut = 5000;
+constexpr std::int32_t kConnectTimeOut = 5000;
+constexpr std::int32_t kDefaultConnectTimeOut = 60'000;
+constexpr std::int32_t kDefaultTransferTimeOut = 30'000;
+constexpr std::int64_t kLongestPoll = 1000;
+
+bool IsSecureFailure(CURLcode code) noexcept
+{
+    switch (code) {
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+    case CURLE_SSL_ENGINE_INITFAILED:
+        return true;
+    default:
+        return false;
+    }
+}
+
+THtInetFailure FailureOfCode(CURLcode code) noexcept
+{
+    if (IsSecureFailure(code))
+        return ifSecureChannel;
+    switch (code) {
+    case CURLE_OPERATION_TIMEDOUT:
+        return ifTimeOut;
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return ifUnknownHost;
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_PROXY:
+        return ifConnectFailed;
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+        return ifConnectionLost;
+    case CURLE_URL_MALFORMAT:
+        return ifBadAddress;
+    default:
+        return ifBadReply;
+    }
+}
+
+}
+
+/// With TLS 1.2 the handshake fails where a certificate is missing. With 1.3 it is over when the server finds
+/// out, and what is received is an alert, or only the end of the connection.
+THtInetFailure InetRequest::FailureOf(int code) const
+{
+    const auto curlCode = static_cast<CURLcode>(code);
+    if (std::string_view(FErrorText).find("certificate required") != std::string_view::npos)
+        return ifCertificateWanted;
+    const THtInetFailure failure = FailureOfCode(curlCode);
+    const bool refused = failure == ifConnectionLost || curlCode == CURLE_SSL_CONNECT_ERROR;
+    return refused && FConnection.Question.Asked && !FHeadDone ? ifCertificateWanted : failure;
+}
+
+template <class Done> void InetRequest::Drive(Done done)
+{
+    FSince = Clock::now();
+    const PipeSignalBlock quiet;
+    while (FRunning && !FFinished && !done()) {
+        int running = 0;
+        if (curl_multi_perform(FConnection.Handle(), &running) != CURLM_OK)
+            throw EHtInetException(ifInternal, u"The transport does not move");
+        TakeResult();
+        if (FRaised)
+            std::rethrow_exception(FRaised);
+        if (FFinished || done())
+            return;
+        const std::int64_t left = TimeLeft();
+        if (left <= 0) {
+            Stop();
+            FFailure = ifTimeOut;
+            FFailureText = u"The time is over"_s;
+            return;
+        }
+        curl_multi_poll(
+            FConnection.Handle(), nullptr, 0, static_cast<int>(std::min(left, kLongestPoll)), nullptr);
+    }
+}
+
+InetRequest::Progress InetRequest::CurrentProgress() const
+{
+    Progress progress;
+    if (Number(CURLINFO_PRETRANSFER_TIME_T) > 0)
+        progress.stage = stTransferring;
+    else if (Number(CURLINFO_NAMELOOKUP_TIME_T) > 0)
+        progress.stage = stConnecting;
+    progress.sent = Number(CURLINFO_SIZE_UPLOAD_T);
+    progress.pieces = FPieces;
+    return progress;
+}
+
+std::int32_t InetRequest::Allowance(Stage stage) const noexcept
+{
+    const bool told = FRules.TimeOut > 0;
+    switch (stage) {
+    case stResolving:
+        return told ? kResolveTimeOut : kDefaultConnectTimeOut;
+    case stConnecting:
+        return told ? kConnectTimeOut : kDefaultConnectTimeOut;
+    default:
+        return told ? FRules.TimeOut : kDefaultTransferTimeOut;
+    }
+}
+
+std::int64_t InetRequest::TimeLeft()
+{
+    const Clock::time_point now = Clock::now();
+    const Progress progress = CurrentProgress();
+    if (progress != FProgress) {
+        FProgress = progress;
+        FSince = now;
+    }
+    const auto idle = std::chrono::duration_cast<std::chrono::milliseconds>(now - FSince).count();
+    return Allowance(progress.stage) - idle;
+}
+
+void InetRequest::TakeResult()
+{
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(FConnection.Handle(), &left)) {
+        if (message->msg != CURLMSG_DONE || message->easy_handle != FHandle)
+            continue;
+        FFinished = true;
+        const CURLcode code = message->data.result;
+        if (code == CURLE_OK)
+            return;
+        if (code == CURLE_OUT_OF_MEMORY)
+            throw EOutOfMemory();
+        FFailure = FailureOf(code);
+        // The transport's own words on a connection hold its port, and callers look for numbers in messages.
+        const bool tells = FFailure == ifSecureChannel && FErrorText[0] != '\0';
+        FFailureText = FFailure == ifCertificateWanted
+            ? u"The server asks for a client certificate"_s
+            : String::FromUtf8(tells ? &FErrorText[0] : curl_easy_strerror(code));
+        return;
+    }
+}
+
+bool InetRequest::Send(const InetCall& call)
+{
+    Stop();
+    SetCall(call);
+    FFinished = false;
+    FHeadDone = false;
+    FFailure = ifNone;
+    FRaised = nullptr;
+    FLocation.clear();
+    FPending.Clear();
+    FErrorText[0] = '\0';
+    FProgress = {};
+    FConnection.Question = {};
+    if (curl_multi_add_handle(FConnection.Handle(), FHandle) != CURLM_OK)
+        throw EHtInetException(ifInternal, u"The request cannot be started");
+    FRunning = true;
+    Drive([this] { return FHeadDone || CurrentProgress().stage == stTransferring; });
+    return FFailure == ifNone;
+}
+
+bool InetRequest::Receive()
+{
+    Drive([this] { return FHeadDone; });
+    if (FFailure == ifNone && !FHeadDone) {
+        FFailure = ifBadReply;
+        FFailureText = u"The reply has no head"_s;
+    }
+    return FFailure == ifNone;
+}
+
+bool InetRequest::ReadData(TBytes& bytes)
+{
+    Drive([this] { return !FPending.IsEmpty(); });
+    if (FPending.IsEmpty()) {
+        if (FFailure != ifNone)
+            Raise();
+        return false;
+    }
+    if (bytes.IsEmpty()) {
+        bytes = std::move(FPending);
+        FPending = {};
+        return true;
+    }
+    const std::size_t size = bytes.size();
+    bytes.SetLength(CheckedLength(size + FPending.size()));
+    std::copy(FPending.begin(), FPending.end(), bytes.data() + size);
+    FPending.Clear();
+    return true;
+}
+
+}
