@@ -16,6 +16,7 @@ void AddEncode(CLI::App& hearth);
 void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
 void AddColor(CLI::App& hearth);
+void AddFetch(CLI::App& hearth);
 void AddCompletions(CLI::App& hearth);
 void AddMan(CLI::App& hearth);
 
@@ -29,6 +30,9 @@ inline constexpr void (*kCommands[])(CLI::App& hearth) = {
     AddDecode,
     AddEncoding,
     AddColor,
+#if defined(HEARTH_NET)
+    AddFetch,
+#endif
     AddCompletions,
     AddMan,
 };

@@ -32,7 +32,12 @@ int ReportRefusal(const ht::Exception& exception) noexcept
 }
 
 FileError::FileError(const std::string& place, int error)
-    : std::runtime_error(place + ": " + std::generic_category().message(error))
+    : FileError(place, std::generic_category().message(error))
+{
+}
+
+FileError::FileError(const std::string& place, const std::string& message)
+    : std::runtime_error(place + ": " + message)
 {
 }
 

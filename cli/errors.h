@@ -30,11 +30,12 @@ public:
 /// There is no input and a person at the terminal: the command shows its help instead of waiting.
 class HelpWanted : public std::exception { };
 
-/// A file cannot be read or written.
+/// A file or address cannot be read or written.
 class FileError : public std::runtime_error {
 public:
     /// `error` is a number of errno.
     FileError(const std::string& place, int error);
+    FileError(const std::string& place, const std::string& message);
 };
 
 /// Prints the exception being handled on standard error and returns the status to end with. Call in a catch

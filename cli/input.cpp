@@ -1,7 +1,8 @@
-// Reading files and pipes, and decoding what was read.
+// Reading files, pipes and addresses, and decoding what was read.
 // SPDX-License-Identifier: MIT
 #include "input.h"
 
+#include "address.h"
 #include "errors.h"
 
 #include <hearth/markup/html_parser.h>
@@ -19,6 +20,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace hearth_cli {
 
@@ -86,12 +88,6 @@ private:
     int FHandle;
 };
 
-bool IsAddress(const std::string& place)
-{
-    const ht::String start = ht::String::FromLatin1(std::string_view(place).substr(0, 8)).ToLowerAscii();
-    return start.View().starts_with(u"http://") || start.View().starts_with(u"https://");
-}
-
 std::uint32_t PageOfName(const std::string& name)
 {
     const std::uint32_t page = ht::CodePageOfCharset(ht::String::FromUtf8(name));
@@ -129,9 +125,19 @@ std::uint32_t PageOfZeros(std::string_view bytes)
     return zeros[0] > zeros[1] ? ht::kUtf16BigEndianCodePage : ht::kUtf16LittleEndianCodePage;
 }
 
-Page DecodePage(std::string_view bytes)
+/// Decodes by the mark, else by what the server said; nothing when neither tells.
+std::optional<ht::String> DecodeTold(std::string_view bytes, const std::string& charset)
 {
-    if (const std::optional<ht::String> text = DecodeMarked(bytes))
+    const std::uint32_t page = PageOfName(charset);
+    std::optional<ht::String> text = DecodeMarked(bytes);
+    if (!text && page != 0)
+        text = ht::DecodeBytes(bytes, page);
+    return text;
+}
+
+Page DecodePage(std::string_view bytes, const std::string& charset)
+{
+    if (const std::optional<ht::String> text = DecodeTold(bytes, charset))
         return {*text, true};
     std::uint32_t page = 0;
     ht::THtmlEncoding encoding = ht::heDefault;
@@ -153,7 +159,8 @@ Page DecodePage(std::string_view bytes)
 
 void Input::AddTo(CLI::App& command, const char* name)
 {
-    command.add_option(name, FPlace, "The file to read; - or nothing for standard input")->type_name("");
+    command.add_option(name, FPlace, "The file or address to read; - or nothing for standard input")
+        ->type_name("");
 }
 
 void Input::AddEncodingTo(CLI::App& command)
@@ -167,18 +174,26 @@ void Input::AddEncodingTo(CLI::App& command)
         });
 }
 
-std::string Input::ReadStart(std::size_t limit) const
+Fetched Input::Read(std::size_t limit) const
 {
     if (!FPlace && ::isatty(STDIN_FILENO))
         throw HelpWanted();
     const std::string place = FPlace.value_or("-");
-    if (IsAddress(place))
-        throw UsageError("addresses need the HTTP client");
+    if (IsAddress(place)) {
+        Fetched fetched = Fetch(place);
+        fetched.Bytes.resize(std::min(fetched.Bytes.size(), limit));
+        return fetched;
+    }
     const InputFile file(place);
     std::string bytes = file.Read(limit);
     if (bytes.size() > kMaxBytes)
         file.Fail(EFBIG);
-    return bytes;
+    return {std::move(bytes), {}};
+}
+
+std::string Input::ReadStart(std::size_t limit) const
+{
+    return Read(limit).Bytes;
 }
 
 std::string Input::ReadBytes() const
@@ -188,10 +203,11 @@ std::string Input::ReadBytes() const
 
 ht::String Input::ReadText() const
 {
-    const std::string bytes = ReadBytes();
+    const Fetched input = Read(kMaxBytes + 1);
     if (!FEncoding.empty())
-        return DecodeNamed(bytes, FEncoding);
-    return DecodeMarked(bytes).value_or(ht::String::FromUtf8(bytes));
+        return DecodeNamed(input.Bytes, FEncoding);
+    const std::optional<ht::String> text = DecodeTold(input.Bytes, input.Charset);
+    return text ? *text : ht::String::FromUtf8(input.Bytes);
 }
 
 ht::String Input::ReadLines() const
@@ -204,8 +220,9 @@ ht::String Input::ReadLines() const
 
 Page Input::ReadPage() const
 {
-    const std::string bytes = ReadBytes();
-    return FEncoding.empty() ? DecodePage(bytes) : Page{DecodeNamed(bytes, FEncoding), true};
+    const Fetched input = Read(kMaxBytes + 1);
+    return FEncoding.empty() ? DecodePage(input.Bytes, input.Charset)
+                             : Page{DecodeNamed(input.Bytes, FEncoding), true};
 }
 
 }

@@ -22,9 +22,11 @@ struct Page {
     bool Decoded = false;
 };
 
-/// The input of one command: a file, or standard input for "-" and for a pipe when nothing is named. Reading
-/// throws FileError, UsageError for an address, and HelpWanted when nothing is named and standard input is a
-/// terminal.
+struct Fetched;
+
+/// The input of one command: a file, an http or https address, or standard input for "-" and for a pipe when
+/// nothing is named. Reading throws FileError, UsageError for an address when the command was built without
+/// the HTTP client, and HelpWanted when nothing is named and standard input is a terminal.
 class Input {
 public:
     /// Adds the argument that names the input. Lifetime: this object outlives the parsing.
@@ -35,15 +37,18 @@ public:
     std::string ReadBytes() const;
     /// At most `limit` bytes from the start.
     std::string ReadStart(std::size_t limit) const;
-    /// The text in the encoding that was named, by its byte order mark, or as UTF-8.
+    /// The text in the encoding that was named, by its byte order mark, by the charset that the server told,
+    /// or as UTF-8.
     ht::String ReadText() const;
     /// The same without its last line end.
     ht::String ReadLines() const;
-    /// The text in the encoding that was named, by its byte order mark, or by what the parser finds in the
-    /// first bytes.
+    /// The text in the encoding that was named, by its byte order mark, by the charset that the server told,
+    /// or by what the parser finds in the first bytes.
     Page ReadPage() const;
 
 private:
+    Fetched Read(std::size_t limit) const;
+
     std::optional<std::string> FPlace;
     std::string FEncoding;
 };

@@ -227,6 +227,18 @@ private:
     fs::path FPath;
 };
 
+/// The servers are on this machine, whatever its proxy is.
+class WithoutProxy : public testing::Environment {
+public:
+    void SetUp() override
+    {
+        for (const char* name :
+            {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy"})
+            unsetenv(name);
+    }
+};
+const testing::Environment* const kWithoutProxy = testing::AddGlobalTestEnvironment(new WithoutProxy);
+
 /// The expected text, or the actual one where the first is only its beginning.
 std::string Judged(const std::string& expected, const std::string& actual)
 {
@@ -241,7 +253,7 @@ std::string Judged(const std::string& expected, const std::string& actual)
 
 Played PlayExchange(const std::string& file)
 {
-    unsetenv("http_proxy"); // neither the machine's nor that of the exchange before
+    unsetenv("http_proxy"); // that of the exchange before
     const std::vector<Section> sections = ReadSections(file);
     const TemporaryFolder folder;
     const Server server(file, folder.Path());

@@ -53,13 +53,13 @@ TEST(http_headers, break_no_lines)
         detail::AuthorizationLine({}, std::u16string(100, u'x')).find_first_of("\r\n"), std::string::npos);
 }
 
-TEST(http_headers, charset_is_what_stands_behind_its_name)
+TEST(resource_loader, charset_is_what_stands_behind_its_name)
 {
     const std::pair<std::u16string_view, std::u16string_view> rows[] = {
         {u"text/html; charset=UTF-8; x=y", u"utf-8"}, {u"text/html;CHARSET= KOI8-R ", u"koi8-r"},
         {u"text/html", u""}, {u"charset=", u""}, {u"", u""}};
     for (const auto& [type, charset] : rows)
-        EXPECT_EQ(detail::CharsetOf(type), charset) << String(type);
+        EXPECT_EQ(CharsetOfContentType(type), charset) << String(type);
 }
 
 TEST(http_client, long_addresses_give_no_bytes)

@@ -14,6 +14,9 @@ struct THtResource {
     String ContentType; // as it was told; empty when nobody told
 };
 
+/// The charset that a content type names ("text/html; charset=UTF-8"), in lower case; empty if none.
+HT_API String CharsetOfContentType(std::u16string_view contentType);
+
 /// Finds the bytes of an address. The host decides which addresses may be read at all; a document never reads
 /// anything by itself. A loader is used by one thread at a time.
 class HT_API IHtResourceLoader {

@@ -4,6 +4,7 @@
 
 #include <hearth/foundation/base64.h>
 #include <hearth/foundation/bytes.h>
+#include <hearth/foundation/resource_loader.h>
 #include <hearth/platform/inet_error.h>
 #include <hearth/runtime/encoding.h>
 
@@ -26,21 +27,11 @@ std::string AuthorizationLine(std::u16string_view user, std::u16string_view pass
     return "Authorization: Basic " + Base64EncodeNoLF({bytes.data(), bytes.size()}).ToUtf8();
 }
 
-String CharsetOf(std::u16string_view contentType)
-{
-    constexpr std::u16string_view kCharset = u"charset=";
-    const String lower = String(contentType).ToLowerAscii();
-    const std::size_t start = lower.View().find(kCharset);
-    if (start == std::u16string_view::npos)
-        return {};
-    const std::u16string_view rest = lower.View().substr(start + kCharset.size());
-    return String(TrimView(rest.substr(0, rest.find(u';'))));
-}
-
 String DecodeBody(const TBytes& bytes, std::u16string_view contentType)
 {
     const std::string_view view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return CharsetOf(contentType) == u"utf-8" ? String::FromUtf8(view) : DecodeBytes(view, SystemCodePage());
+    return CharsetOfContentType(contentType) == u"utf-8" ? String::FromUtf8(view)
+                                                         : DecodeBytes(view, SystemCodePage());
 }
 
 }

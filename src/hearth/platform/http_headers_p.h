@@ -24,9 +24,6 @@ std::string HeaderLine(std::string_view name, std::u16string_view value);
 /// The line of basic authentication.
 std::string AuthorizationLine(std::u16string_view user, std::u16string_view password);
 
-/// The charset that a content type names, in lower case; empty if none.
-String CharsetOf(std::u16string_view contentType);
-
 /// UTF-8 when the content type says so, else by the system's code page.
 String DecodeBody(const TBytes& bytes, std::u16string_view contentType);
 
