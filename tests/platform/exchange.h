@@ -18,7 +18,7 @@ struct Played {
 ///   "Delete address|body|type", "Load address"; "new" makes another client.
 /// request N: what the server must get, on its connection N. reply: what it answers; "close" ends the
 /// connection
-///   behind it, "stall" sends no more, "endless" goes on for ever.
+///   behind it, "stall" sends no more, "endless" goes on for ever, "heads" with heads.
 /// result: status, content type and the text below them, or the exception; "..." at its end stands for the
 /// rest. tls: what the secure port speaks: 1.0, 1.2 or 1.3; "client" asks for a certificate,
 ///   "names" names the authorities of those that are accepted and answers with a page of its own. %HTTP% and

@@ -130,6 +130,8 @@ class Server:
             return False
         while "endless" in words:
             connection.sendall(b"x" * 65536)
+        while "heads" in words:
+            connection.sendall(b"HTTP/1.1 100 Continue\r\n\r\n" * 1000)
         while "stall" in words and connection.recv(4096):
             pass
         return True

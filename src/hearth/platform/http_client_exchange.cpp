@@ -215,8 +215,8 @@ void THtInetClient::Redirect(detail::InetCall& call, const String& location) con
     const String target = detail::ResolveAddress(String::FromUtf8(from.Text()), location);
     try {
         call.Address = detail::CrackAddress(target);
-    } catch (const EHtInetException& error) {
-        throw EHtInetException(ifRedirectFailed, error.Message);
+    } catch (const EHtInetException&) {
+        throw EHtInetException(ifRedirectFailed, u"The redirect leads to what cannot be read");
     }
     if (OnRedirect && !OnRedirect(target))
         throw EHtInetException(ifRedirectFailed, u"The redirect is not allowed");

@@ -12,6 +12,9 @@ namespace ht::detail {
 
 namespace {
 
+/// Heads before the real one, and lines behind the body, count too.
+constexpr std::size_t kMaxHeadBytes = std::size_t{256} << 10U;
+
 class Session {
 public:
     Session()
@@ -234,6 +237,9 @@ std::size_t InetRequest::TakeHead(char* bytes, std::size_t size, std::size_t cou
     InetRequest& self = *static_cast<InetRequest*>(request);
     try {
         ++self.FPieces;
+        self.FHeadBytes += size * count;
+        if (self.FHeadBytes > kMaxHeadBytes)
+            throw EHtInetException(ifBadReply, u"The head of the reply does not end");
         if (!self.FHeadDone) // later lines are trailers
             self.TakeHeadLine({bytes, size * count});
         return size * count;

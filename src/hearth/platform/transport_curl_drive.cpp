@@ -169,6 +169,7 @@ bool InetRequest::Send(const InetCall& call)
     FRaised = nullptr;
     FLocation.clear();
     FPending.Clear();
+    FHeadBytes = 0;
     FErrorText[0] = '\0';
     FProgress = {};
     FConnection.Question = {};

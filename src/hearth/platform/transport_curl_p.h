@@ -143,6 +143,7 @@ private:
     std::string FLocation;
     TBytes FPending;
     std::uint64_t FPieces = 0;
+    std::size_t FHeadBytes = 0;
     Progress FProgress;
     Clock::time_point FSince;
     char FErrorText[256]; // CURL_ERROR_SIZE
