@@ -81,7 +81,7 @@ bool THtInetResourceLoader::Load(std::u16string_view address, THtResource& resou
 {
     resource = {};
     const String absolute = Resolve(address);
-    if (!Allows(absolute))
+    if (!Allows(absolute) || absolute.Length() > THtInetClient::kMaxBytesAddress)
         return false;
     FClient.SecurityPolicy = spStrict;
     FClient.OnRedirect = [this](const String& target) { return Allows(target); };

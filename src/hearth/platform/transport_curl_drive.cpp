@@ -64,14 +64,15 @@ THtInetFailure FailureOfCode(CURLcode code) noexcept
 }
 
 /// With TLS 1.2 the handshake fails where a certificate is missing. With 1.3 it is over when the server finds
-/// out, and what is received is an alert, or only the end of the connection.
+/// out, and what is received is an alert, or nothing but a reset.
 THtInetFailure InetRequest::FailureOf(int code) const
 {
     const auto curlCode = static_cast<CURLcode>(code);
     if (std::string_view(FErrorText).find("certificate required") != std::string_view::npos)
         return ifCertificateWanted;
     const THtInetFailure failure = FailureOfCode(curlCode);
-    const bool refused = failure == ifConnectionLost || curlCode == CURLE_SSL_CONNECT_ERROR;
+    const bool refused =
+        curlCode == CURLE_SSL_CONNECT_ERROR || curlCode == CURLE_RECV_ERROR || curlCode == CURLE_SEND_ERROR;
     return refused && FConnection.Question.Asked && !FHeadDone ? ifCertificateWanted : failure;
 }
 
