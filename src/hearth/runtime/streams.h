@@ -191,6 +191,8 @@ public:
     void SetSize(std::int64_t size) override;
 
     const String& FileName() const noexcept { return FFileName; }
+    /// The file as the system knows it. Lifetime: that of the stream.
+    int Descriptor() const noexcept { return FDescriptor; }
 
 private:
     String FFileName;
