@@ -120,7 +120,7 @@ std::string Member(std::u16string_view text)
     parser.Tokenizer()->NextToken();
     try {
         const THtJSONTokenType type = parser.NextNameValue();
-        return parser.Name.ToUtf8() + "=" + String(EnumName(type)).ToUtf8() + ":"
+        return parser.Name().ToUtf8() + "=" + String(EnumName(type)).ToUtf8() + ":"
             + parser.Tokenizer()->Token().Name.ToUtf8();
     } catch (const Exception& error) {
         return error.Message.ToUtf8();
@@ -164,18 +164,17 @@ TEST(json_parser, equal_names_share_one_string)
         ASSERT_TRUE(i == 1 ? parser.Tokenizer()->NextNSToken() : parser.NextName());
         EXPECT_EQ(parser.NextNameValue(), jtInt);
         if (i == 0) {
-            first = parser.Name;
-            shared = &parser.TagName().Name;
+            first = parser.Name();
+            shared = &parser.Member()->Tag().Name;
         }
-        EXPECT_TRUE(parser.Name.IsSame(first));
-        EXPECT_EQ(&parser.TagName().Name, shared);
+        EXPECT_TRUE(parser.Name().IsSame(first));
+        EXPECT_EQ(&parser.Member()->Tag().Name, shared);
     }
     // A name that was read and then passed over is not taken for the one behind it.
     THtJSONParser passed(u"'a' 'b':1"_s);
     ASSERT_TRUE(passed.NextName() && passed.Tokenizer()->NextNSToken());
     passed.NextNameValue();
-    EXPECT_EQ(passed.Name, u"b");
-    EXPECT_EQ(passed.TagName().Name, u"b");
+    EXPECT_EQ(passed.Name(), u"b");
 }
 
 TEST(json_parser, an_empty_text_has_no_tokenizer)
@@ -184,7 +183,8 @@ TEST(json_parser, an_empty_text_has_no_tokenizer)
     EXPECT_EQ(parser.Tokenizer(), nullptr);
     EXPECT_FALSE(parser.NextName());
     EXPECT_EQ(MessageOf<EHtJSONParserException>([&] { parser.NextNameValue(); }), u"Name expected");
-    EXPECT_TRUE(parser.TagName().IsEmpty());
+    EXPECT_EQ(parser.Member(), nullptr);
+    EXPECT_EQ(parser.Name(), u"");
 }
 
 }

@@ -100,15 +100,21 @@ void THtAttributes::ReleaseList() noexcept
 
 std::unique_ptr<THtAttributes> THtAttributes::TakeFrom(THtAttributes& source)
 {
-    const auto count = static_cast<std::size_t>(source.FCount);
     source.Sorted();
-    void* block = memory::Allocate(sizeof(THtAttributes) + count * sizeof(THtAttribute));
-    std::unique_ptr<THtAttributes> taken(new (block) THtAttributes(source.CaseSensitive));
+    auto taken = TakeSorted({source.FList, static_cast<std::size_t>(source.FCount)}, source.CaseSensitive);
+    source.Clear();
+    return taken;
+}
+
+std::unique_ptr<THtAttributes> THtAttributes::TakeSorted(std::span<THtAttribute> entries, bool caseSensitive)
+{
+    const std::int32_t count = CheckedLength(entries.size());
+    void* block = memory::Allocate(sizeof(THtAttributes) + entries.size() * sizeof(THtAttribute));
+    std::unique_ptr<THtAttributes> taken(new (block) THtAttributes(caseSensitive));
     taken->FList = reinterpret_cast<THtAttribute*>(taken.get() + 1);
     taken->FInOwnBlock = true;
-    std::uninitialized_move_n(source.FList, count, taken->FList);
-    taken->FCount = taken->FCapacity = taken->FSortedCount = source.FCount;
-    source.Clear();
+    std::uninitialized_move(entries.begin(), entries.end(), taken->FList);
+    taken->FCount = taken->FCapacity = taken->FSortedCount = count;
     return taken;
 }
 

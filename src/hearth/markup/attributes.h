@@ -36,6 +36,9 @@ public:
     /// A new store with the entries of `source`, which is empty afterwards and keeps its memory. Both stand
     /// in one block.
     static std::unique_ptr<THtAttributes> TakeFrom(THtAttributes& source);
+    /// A new store with the entries of a list, which is left without texts. They come in name order, no two
+    /// with one name.
+    static std::unique_ptr<THtAttributes> TakeSorted(std::span<THtAttribute> entries, bool caseSensitive);
 
     const TClassInfo& ClassInfo() const override { return kClassInfo; }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/markup/json_parser.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace ht {
@@ -10,16 +11,22 @@ namespace {
 
 constexpr std::int32_t kNamesCapacity = 256;
 
-/// A name as a tag, the object that a name of the list carries.
-class TMemberTag : public TObject {
-public:
-    explicit TMemberTag(const String& name)
-        : Tag(name)
-    {
-    }
+const String kNoName;
 
-    THtTagName Tag;
-};
+/// Units beyond the end count as 0, which is below all others.
+std::uint64_t OrderOf(std::u16string_view name)
+{
+    std::uint64_t order = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        order = order << 16U | (i < name.size() ? name[i] : u'\0');
+    return order;
+}
+
+bool IsPlain(std::u16string_view name)
+{
+    return std::none_of(name.begin(), name.end(),
+        [](char16_t c) { return c < u' ' || c == u'"' || c == u'\'' || c == u'\\'; });
+}
 
 [[noreturn]] void RaiseNameExpected()
 {
@@ -31,6 +38,18 @@ public:
     throw EHtJSONParserException(u"Value expected"_s);
 }
 
+}
+
+THtMemberName::THtMemberName(const String& name)
+    : THtNameObjectPair(name, nullptr, false)
+    , Order(OrderOf(name))
+    , FIsPlain(IsPlain(name))
+{
+}
+
+const THtTagName& THtMemberName::Tag()
+{
+    return FTag ? *FTag : FTag.emplace(Name);
 }
 
 THtJSONParser::THtJSONParser(const String& s)
@@ -58,9 +77,15 @@ THtJSONTokenType THtJSONParser::NextNameValue()
 {
     if (!FTokenizer)
         RaiseNameExpected();
-    THtJSONTokenizer& tokens = *FTokenizer;
     FName = &TokenName();
-    Name = FName->Name;
+    return NextValue();
+}
+
+THtJSONTokenType THtJSONParser::NextValue()
+{
+    if (!FTokenizer)
+        RaiseNameExpected();
+    THtJSONTokenizer& tokens = *FTokenizer;
     if (!tokens.PassColon() && (!tokens.NextNSToken() || tokens.Type() != jtColon))
         RaiseNameExpected();
     if (!tokens.NextNSToken())
@@ -80,20 +105,13 @@ THtJSONTokenType THtJSONParser::NextNameValue()
     }
 }
 
-const THtTagName& THtJSONParser::TagName()
+const String& THtJSONParser::Name() const noexcept
 {
-    static const THtTagName none;
-    if (!FName)
-        return none;
-    if (!FName->Object) {
-        FName->Object = new TMemberTag(FName->Name);
-        FName->OwnsObject = true;
-    }
-    return static_cast<const TMemberTag*>(FName->Object)->Tag;
+    return FName ? FName->Name : kNoName;
 }
 
 /// The entry of the name at the current token.
-THtNameObjectPair& THtJSONParser::TokenName()
+THtMemberName& THtJSONParser::TokenName()
 {
     const THtJSONToken& token = FTokenizer->Token();
     if (token.CType != jtIdent && token.CType != jtString)
@@ -104,12 +122,12 @@ THtNameObjectPair& THtJSONParser::TokenName()
     return Intern(token.Name);
 }
 
-THtNameObjectPair& THtJSONParser::Intern(std::u16string_view name)
+THtMemberName& THtJSONParser::Intern(std::u16string_view name)
 {
     const std::uint32_t hash = FNames.HashOf(name);
     if (TObject* found = FNames.GetHashed(hash, name))
-        return static_cast<THtNameObjectPair&>(*found);
-    auto added = std::make_unique<THtNameObjectPair>(String(name), nullptr, false);
+        return static_cast<THtMemberName&>(*found);
+    auto added = std::make_unique<THtMemberName>(String(name));
     FNames.AddHashed(hash, added->Name, added.get());
     return *added.release();
 }

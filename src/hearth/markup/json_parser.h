@@ -11,6 +11,28 @@
 
 namespace ht {
 
+/// A member name that a parser has met, with what its readers remember of it. Lives as long as the parser.
+class HT_API THtMemberName : public THtNameObjectPair {
+public:
+    explicit THtMemberName(const String& name);
+
+    /// The name with all that a tag needs, looked up on first use.
+    const THtTagName& Tag();
+
+    /// The first four units as one number: names whose numbers differ are in the order of the numbers.
+    std::uint64_t Order;
+    /// The name that stood behind this one last time, and the first one inside its object. Guesses for the
+    /// next time; not owned.
+    THtMemberName* Behind = nullptr;
+    THtMemberName* Inside = nullptr;
+
+private:
+    friend class THtJSONParser;
+
+    bool FIsPlain; // looks in a text as it does here
+    std::optional<THtTagName> FTag;
+};
+
 /// A tokenizer and the names of members that it met: equal names share one string. The caller walks the
 /// grammar. Lives for one run over a text and belongs to one thread.
 class HT_API THtJSONParser : public TObject {
@@ -25,30 +47,43 @@ public:
     /// Null for an empty text. Lifetime: that of the parser.
     THtJSONTokenizer* Tokenizer() noexcept { return FTokenizer ? &*FTokenizer : nullptr; }
 
-    /// With the tokenizer on a name, sets Name and reads up to the first token of the value: its type, or
-    /// jtIdent for a string, a word and a keyword. Throws EHtJSONParserException "Name expected" where no
-    /// name with a ":" behind it stands, and "Value expected" where no value follows.
+    /// With the tokenizer on a name, makes it the current one and reads up to the first token of the value:
+    /// its type, or jtIdent for a string, a word and a keyword. Throws EHtJSONParserException "Name expected"
+    /// where no name with a ":" behind it stands, and "Value expected" where no value follows.
     THtJSONTokenType NextNameValue();
+
+    /// The name of the current member; empty before the first one. Lifetime: that of the parser.
+    const String& Name() const noexcept;
+    /// The same with what is known of it; null before the first one.
+    THtMemberName* Member() const noexcept { return FName; }
+
+    // The steps of NextNameValue, for readers that guess names.
+
     /// NextNSToken of the tokenizer, for a place where a name is expected: one that was met before costs no
     /// string. False for an empty text.
     bool NextName();
-
-    /// The name of the current member.
-    String Name;
-    /// The name that NextNameValue has found last, with all that a tag needs, which is looked up once a name.
-    /// Lifetime: that of the parser.
-    const THtTagName& TagName();
+    /// True where `guess` comes next, as a string without escapes: then it is the current name, and the
+    /// cursor stands behind it. Otherwise only blanks were read.
+    bool TakeGuess(THtMemberName* guess) noexcept
+    {
+        if (!FTokenizer || !guess || !guess->FIsPlain || !FTokenizer->PassString(guess->Name))
+            return false;
+        FName = guess;
+        return true;
+    }
+    /// NextNameValue from behind the name on.
+    THtJSONTokenType NextValue();
 
     /// The bounds of this run, a copy of those of the process.
     THtLimits Limits = HtLimits();
 
 private:
-    THtNameObjectPair& Intern(std::u16string_view name);
-    THtNameObjectPair& TokenName();
+    THtMemberName& Intern(std::u16string_view name);
+    THtMemberName& TokenName();
 
-    THtStringList FNames; // the objects are the names as tags, made on first use
-    THtNameObjectPair* FName = nullptr; // entry of Name
-    THtNameObjectPair* FFoundName = nullptr; // entry that NextName has found last
+    THtStringList FNames;
+    THtMemberName* FName = nullptr; // the current one
+    THtMemberName* FFoundName = nullptr; // the one that NextName has found last
     std::optional<THtJSONTokenizer> FTokenizer;
 };
 

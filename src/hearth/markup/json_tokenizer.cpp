@@ -182,14 +182,11 @@ void THtJSONTokenizer::ReadMark(THtJSONTokenType type, const String& mark)
     ++FParser.p;
 }
 
-bool THtJSONTokenizer::PassColon() noexcept
+char16_t THtJSONTokenizer::PassRealBlanks() noexcept
 {
     if (ClassOf(*FParser.p) == jcSpace)
         FParser.SkipBlanks();
-    if (*FParser.p != u':')
-        return false;
-    ++FParser.p;
-    return true;
+    return *FParser.p;
 }
 
 void THtJSONTokenizer::ReadNumber()
@@ -227,9 +224,7 @@ void THtJSONTokenizer::ReadIdent()
 
 bool THtJSONTokenizer::ReadStringView(std::u16string_view& text)
 {
-    if (ClassOf(*FParser.p) == jcSpace)
-        FParser.SkipBlanks();
-    if (ClassOf(*FParser.p) != jcString)
+    if (ClassOf(PassBlanks()) != jcString)
         return false;
     FToken.CType = jtString;
     FToken.StartPos = FParser.Offset();

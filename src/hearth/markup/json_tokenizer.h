@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/foundation/hash_table.h>
 #include <hearth/foundation/string_parser.h>
 #include <hearth/markup/json_token.h>
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ht {
 
@@ -28,7 +30,13 @@ public:
     /// The same; throws EHtJSONParserException "Token expected" at the end of the text.
     void NextRequiredToken();
 
+    /// Passes over blanks; the unit then at the cursor, U+0000 at the end of the text. Leaves the token as it
+    /// is.
+    char16_t PassBlanks() noexcept { return *FParser.p > u' ' ? *FParser.p : PassRealBlanks(); }
+
     const THtJSONToken& Token() const noexcept { return FToken; }
+    /// The text of the current token, which has none afterwards.
+    String TakeName() noexcept { return std::move(FToken.Name); }
     THtJSONTokenType Type() const noexcept { return FToken.CType; }
     TStringParser& Parser() noexcept { return FParser; }
     /// True once a read met the end of the text.
@@ -40,9 +48,29 @@ private:
     /// Reads a string as NextNSToken would, and leaves its text with the caller, who puts it into the token.
     /// False, with only blanks read, where something else stands. Lifetime: until the next string is read.
     bool ReadStringView(std::u16string_view& text);
+    /// Passes over blanks and a string that is written as `text` is. False, with only blanks read, where
+    /// something else stands.
+    bool PassString(std::u16string_view text) noexcept
+    {
+        const char16_t quote = PassBlanks();
+        const char16_t* const p = FParser.p;
+        if ((quote != u'"' && quote != u'\'')
+            || FParser.pend - p < static_cast<std::ptrdiff_t>(text.size()) + 2 || p[text.size() + 1] != quote
+            || !detail::SameUnits(text.data(), p + 1, text.size()))
+            return false;
+        FParser.p = p + text.size() + 2;
+        return true;
+    }
     /// Passes over blanks and a ":" without making a token of it. False, with only blanks read, where
     /// something else stands.
-    bool PassColon() noexcept;
+    bool PassColon() noexcept
+    {
+        if (PassBlanks() != u':')
+            return false;
+        ++FParser.p;
+        return true;
+    }
+    char16_t PassRealBlanks() noexcept;
 
     void SetBlanks(const char16_t* from);
     void ReadToken();

@@ -70,8 +70,8 @@ public:
     /// instructions the directives in front of it. What stands behind the element is not looked at. Throws as
     /// Parse does.
     void SetXML(const String& s);
-    /// Reads a JSON value into this node, with the tokenizer on its first token; its last one is the current
-    /// token afterwards. Throws as CreatefromJSON does.
+    /// Reads a JSON value into this node, with the tokenizer on its first token; the cursor stands behind the
+    /// last one afterwards. Throws as CreatefromJSON does.
     void ParseJSON(THtJSONParser& P);
 
     /// The processing instructions, each on a line, and the node.

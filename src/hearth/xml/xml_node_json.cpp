@@ -6,6 +6,9 @@
 #include <hearth/markup/node_walk_p.h>
 #include <hearth/xml/xml_encode.h>
 
+#include <algorithm>
+#include <span>
+
 namespace ht {
 
 namespace {
@@ -66,21 +69,29 @@ public:
     {
         if (!OpensContainer(FTokens.Type()))
             return ReadScalar();
-        Open(*FNode);
-        for (;;) {
-            if (FTokens.Type() == EndOf(*FNode)) {
-                Close();
-                if (FLevels == 0)
-                    return;
-            } else if (FNode->FIsArray ? ReadElement() : ReadMember()) {
-                continue;
-            }
-            NextPart();
+        Open(*FNode, nullptr);
+        while (!FLevels.IsEmpty()) {
+            if (FNode->FIsArray)
+                ReadElement();
+            else
+                ReadMember();
         }
     }
 
 private:
-    static THtJSONTokenType EndOf(const THtXMLNode& node) { return node.FIsArray ? jtArrayEnd : jtObjectEnd; }
+    /// An open container.
+    struct TLevel {
+        std::int32_t Members; // where its members begin
+        THtMemberName* Owner; // the innermost name around it
+        THtMemberName* Last; // the name of its last member
+    };
+    /// A member that is to become an attribute.
+    struct TMember {
+        THtMemberName* Name;
+        String Value;
+    };
+
+    static char16_t EndOf(const THtXMLNode& node) { return node.FIsArray ? u']' : u'}'; }
 
     void ReadScalar()
     {
@@ -92,83 +103,84 @@ private:
         FNode->SetValue(FTokens.Token().Name);
     }
 
-    /// Makes `node` the container that the current token opens, and reads the token behind it.
-    void Open(THtXMLNode& node)
+    /// Makes `node` the container that the current token opens. One that ends at once is complete then.
+    void Open(THtXMLNode& node, THtMemberName* owner)
     {
-        FNode = &node;
         node.FIsArray = FTokens.Type() == jtArrayStart;
-        if (!NextPlace())
+        const char16_t next = FTokens.PassBlanks();
+        if (next == 0 && FTokens.Parser().Empty())
             RaiseTokenExpected();
         const std::int32_t limit = FParser.Limits.JsonDepth;
-        if (limit != 0 && FLevels >= limit)
+        if (limit != 0 && FLevels.Length() >= limit)
             throw EHtJSONParserException(u"JSON contains too many nested nodes"_s);
         if (node.FTag.IsEmpty())
             node.SetTag(node.FIsArray ? ArrayTag() : ObjectTag());
         node.TagType = htIdent;
-        if (FLevels == FMembers.Length())
-            FMembers.Add(std::make_unique<THtAttributes>(true));
-        ++FLevels;
+        FNode = &node;
+        FLevels.Add({FMembers.Length(), owner, nullptr});
+        if (next == EndOf(node))
+            EndPart();
     }
 
-    void Close()
+    /// Reads what stands behind an element, a member or an opening mark: the ends of containers, and a comma
+    /// unless all are complete.
+    void EndPart()
     {
-        --FLevels;
-        THtAttributes& members = *FMembers[FLevels];
-        if (members.Count() > 0 && !FNode->FAttributes)
-            FNode->ReplaceAttributes(THtAttributes::TakeFrom(members));
-        if (FLevels > 0)
-            FNode = FNode->GetParent();
-    }
-
-    /// The token in the place of an element, a member or the end of the container.
-    bool NextPlace() { return FNode->FIsArray ? FTokens.NextNSToken() : FParser.NextName(); }
-
-    /// Reads the comma behind an element or member and the token behind it, or the end of the container.
-    void NextPart()
-    {
-        if (!FTokens.NextNSToken())
-            RaiseTokenExpected();
-        const THtJSONTokenType end = EndOf(*FNode);
-        if (FTokens.Type() == end)
-            return;
-        if (FTokens.Type() != jtComma)
-            RaiseTokenExpected();
-        if (NextPlace() && FTokens.Type() != end)
+        for (char16_t next = FTokens.PassBlanks(); next == EndOf(*FNode); next = FTokens.PassBlanks()) {
+            ++FTokens.Parser().p;
+            Close();
+            if (FLevels.IsEmpty())
+                return;
+        }
+        if (*FTokens.Parser().p != u',')
+            RaiseNoComma();
+        ++FTokens.Parser().p;
+        const char16_t next = FTokens.PassBlanks();
+        if (next != EndOf(*FNode) && (next != 0 || !FTokens.Parser().Empty()))
             return;
         if (FNode->FIsArray)
             RaiseTokenExpected();
         throw EHtJSONParserException(u"Name/Value expected after comma"_s);
     }
 
-    /// True when a container was opened.
-    bool ReadElement()
+    /// A token that is none comes first.
+    [[noreturn]] void RaiseNoComma()
     {
-        const THtJSONTokenType type = FTokens.Type();
-        if (OpensContainer(type)) {
-            Open(AddElement(type == jtArrayStart ? ArrayTag() : ObjectTag()));
-            return true;
-        }
-        if (!IsScalar(type))
-            RaiseTokenExpected();
-        AddElement(ValueTag()).SetValue(FTokens.Token().Name);
-        return false;
+        FTokens.NextNSToken();
+        RaiseTokenExpected();
     }
 
-    bool ReadMember()
+    void ReadElement()
     {
-        if (OpensContainer(FParser.NextNameValue())) {
-            Open(AddElement(FParser.TagName()));
-            return true;
-        }
-        if (FParser.Name.IsEmpty())
+        FTokens.NextNSToken();
+        const THtJSONTokenType type = FTokens.Type();
+        if (OpensContainer(type))
+            return Open(AddElement(type == jtArrayStart ? ArrayTag() : ObjectTag()), FLevels.Last().Owner);
+        if (!IsScalar(type))
             RaiseTokenExpected();
-        const String& value = FTokens.Token().Name;
-        THtAttributes& members = *FMembers[FLevels - 1];
-        if (FNode->FAttributes)
-            FNode->SetAttr(FParser.Name, value);
-        else if (members.Count() > 0 || !value.IsEmpty()) // else not stored, as SetAttr does
-            members.SetAttribute(FParser.Name, value);
-        return false;
+        AddElement(ValueTag()).SetValue(FTokens.TakeName());
+        EndPart();
+    }
+
+    void ReadMember()
+    {
+        TLevel& level = FLevels.Last();
+        THtMemberName*& guess = level.Last ? level.Last->Behind : level.Owner ? level.Owner->Inside : FFirst;
+        const bool isGuessed = FParser.TakeGuess(guess);
+        if (!isGuessed)
+            FParser.NextName();
+        const THtJSONTokenType type = isGuessed ? FParser.NextValue() : FParser.NextNameValue();
+        THtMemberName* const name = FParser.Member();
+        guess = level.Last = name;
+        if (OpensContainer(type))
+            return Open(AddElement(name->Tag()), name);
+        if (name->Name.IsEmpty())
+            RaiseTokenExpected();
+        // A first empty value is not stored, as with every attribute that is set.
+        const bool isFirst = FMembers.Length() == level.Members && !FNode->FAttributes;
+        if (!isFirst || !FTokens.Token().Name.IsEmpty())
+            FMembers.Add({name, FTokens.TakeName()});
+        EndPart();
     }
 
     THtXMLNode& AddElement(const THtTagName& tag)
@@ -179,13 +191,74 @@ private:
         return child;
     }
 
+    void Close()
+    {
+        const std::int32_t from = FLevels.Last().Members;
+        if (FMembers.Length() > from) {
+            StoreMembers(std::span<TMember>(FMembers.data() + from, FMembers.data() + FMembers.Length()));
+            FMembers.Delete(from, FMembers.Length() - from);
+        }
+        FLevels.Delete(FLevels.Length() - 1);
+        FNode = FNode->GetParent();
+    }
+
+    void StoreMembers(std::span<TMember> members)
+    {
+        if (FNode->FAttributes) {
+            for (const TMember& member : members)
+                FNode->SetAttr(member.Name->Name, member.Value);
+            return;
+        }
+        if (members.size() == 1) {
+            THtAttribute only{members[0].Name->Name, std::move(members[0].Value)};
+            FNode->ReplaceAttributes(THtAttributes::TakeSorted({&only, 1}, true));
+            return;
+        }
+        SortMembers(members);
+        for (std::int32_t i = 0; i < FOrder.Length(); ++i) {
+            // Of equal names the last one counts.
+            if (i + 1 < FOrder.Length() && FOrder[i].Name == FOrder[i + 1].Name)
+                continue;
+            TMember& member = members[FOrder[i].Index];
+            FSorted.Add({member.Name->Name, std::move(member.Value)});
+        }
+        FNode->ReplaceAttributes(
+            THtAttributes::TakeSorted({FSorted.data(), static_cast<std::size_t>(FSorted.Length())}, true));
+        FSorted.Clear();
+    }
+
+    /// A member in the order of names, equal ones in the order of the text.
+    struct TOrder {
+        const THtMemberName* Name;
+        std::uint32_t Index;
+
+        bool operator<(const TOrder& other) const
+        {
+            if (Name == other.Name)
+                return Index < other.Index;
+            if (Name->Order != other.Name->Order)
+                return Name->Order < other.Name->Order;
+            return Name->Name.View() < other.Name->Name.View();
+        }
+    };
+
+    void SortMembers(std::span<const TMember> members)
+    {
+        FOrder.Clear();
+        for (std::uint32_t i = 0; i < members.size(); ++i)
+            FOrder.Add({members[i].Name, i});
+        if (!std::is_sorted(FOrder.begin(), FOrder.end()))
+            std::sort(FOrder.begin(), FOrder.end());
+    }
+
     THtJSONParser& FParser;
     THtJSONTokenizer& FTokens;
     THtXMLNode* FNode; // the innermost open container
-    std::int32_t FLevels = 0;
-    /// Members of the open containers that are to become attributes; the stores serve all containers of their
-    /// level.
-    TArray<std::unique_ptr<THtAttributes>> FMembers;
+    THtMemberName* FFirst = nullptr; // the first name in an object without a name around it
+    TArray<TLevel> FLevels;
+    TArray<TMember> FMembers; // of all open containers, the outermost first
+    TArray<TOrder> FOrder;
+    TArray<THtAttribute> FSorted;
 };
 
 void THtXMLNode::ParseJSON(THtJSONParser& P)
