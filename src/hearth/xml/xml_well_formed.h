@@ -1,0 +1,20 @@
+// The test whether a text is well-formed XML, for those who want more strictness than the reader of trees
+// has. SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/foundation/limits.h>
+#include <hearth/xml/xml_error.h>
+
+#include <string_view>
+
+namespace ht {
+
+/// Throws EHtXML "XML is not well-formed at line %d, column %d: ..." (both from 1) unless the text is a
+/// well-formed document of XML 1.0, fifth edition: characters and names, one root, tags that nest, attributes
+/// that differ, references to characters that exist and to entities that are declared, an internal document
+/// type subset that keeps the grammar. What is declared outside of the text is not read, so with an external
+/// subset references to unknown entities pass. Entities are looked into once each, however often they are
+/// referred to, and may nest as deep as elements (XmlDepth).
+HT_API void CheckWellFormed(std::u16string_view XML, const THtLimits& limits = HtLimits());
+
+}
