@@ -9,9 +9,9 @@
 
 namespace ht {
 
-THtXMLNode::THtXMLNode(const String& XML)
+THtXMLNode::THtXMLNode(const String& XML, THtXMLStrictness Strictness)
 {
-    SetXML(XML);
+    SetXML(XML, Strictness);
 }
 
 THtXMLNode::~THtXMLNode() = default;

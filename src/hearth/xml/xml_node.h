@@ -8,6 +8,7 @@
 #include <hearth/runtime/strings.h>
 #include <hearth/xml/xml_error.h>
 
+#include <hearth/xml/xml_well_formed.h>
 #include <memory>
 #include <string>
 
@@ -33,7 +34,7 @@ public:
     THtXMLNode() noexcept = default;
     /// Reads a document as SetXML does. A class that overrides Parse is made empty and filled with SetXML: no
     /// override is called from here.
-    explicit THtXMLNode(const String& XML);
+    explicit THtXMLNode(const String& XML, THtXMLStrictness Strictness = xsTags);
     ~THtXMLNode() override;
 
     /// Reads JSON. Throws EHtJSONParserException and, for numbers, EConvertError. The second argument is not
@@ -41,8 +42,10 @@ public:
     static std::unique_ptr<THtXMLNode> CreatefromJSON(const String& JSON, std::int32_t dummy = 0);
     /// Read XML from the position of a stream to its end, or from a file, see StreamtoText. Throw as SetXML
     /// and streams do.
-    static std::unique_ptr<THtXMLNode> CreateFromStream(TStream& Stream);
-    static std::unique_ptr<THtXMLNode> CreateFromFile(const String& FileName);
+    static std::unique_ptr<THtXMLNode> CreateFromStream(
+        TStream& Stream, THtXMLStrictness Strictness = xsTags);
+    static std::unique_ptr<THtXMLNode> CreateFromFile(
+        const String& FileName, THtXMLStrictness Strictness = xsTags);
     /// The rest of a stream as text: by its byte order mark, as UTF-16 where every other byte in front is 0,
     /// by the encoding that its XML declaration names, else as UTF-8, or in the system code page when it is
     /// no UTF-8. Throws EHtXML "Cannot load empty stream".
@@ -68,8 +71,8 @@ public:
 
     /// Replaces all that this node holds by a document: the first element of the text, and as processing
     /// instructions the directives in front of it. What stands behind the element is not looked at. Throws as
-    /// Parse does.
-    void SetXML(const String& s);
+    /// Parse does, and with xsWellFormed as CheckWellFormed does, which leaves this node as it was.
+    void SetXML(const String& s, THtXMLStrictness Strictness = xsTags);
     /// Reads a JSON value into this node, with the tokenizer on its first token; the cursor stands behind the
     /// last one afterwards. Throws as CreatefromJSON does.
     void ParseJSON(THtJSONParser& P);

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/xml/xml_node.h>
 
+#include "xml_reading_p.h"
+
 #include <hearth/runtime/encoding.h>
 #include <hearth/runtime/streams.h>
-#include <hearth/runtime/text_format.h>
 
 #include <algorithm>
 #include <typeinfo>
@@ -16,13 +17,6 @@ namespace {
 bool IsText(const THtmlParser& HP)
 {
     return HP.Tag.IsEmpty() && (HP.TagType == htString || HP.TagType == htIdent || HP.TagType == htSpace);
-}
-
-/// An XML declaration that says that the text is UTF-8.
-bool DeclaresUtf8(const String& directive)
-{
-    return directive.View().starts_with(u"xml ")
-        && directive.ToLowerAscii().View().find(u"utf-8") != std::u16string_view::npos;
 }
 
 /// What stands for `name` in a processing instruction that is written like a tag.
@@ -145,9 +139,7 @@ private:
     {
         if (FNode->HasTag(FParser.Tag))
             return;
-        // Positions are not told: the text always shows 0.
-        throw EHtXML(Format(u"Tag order error: /%s expected, /%s found at position %d",
-            {FNode->FTag, FParser.Tag.Name, std::int32_t{0}}));
+        RaiseTagOrder(FNode->FTag, FParser.Tag.Name);
     }
 
     /// Blanks between tags are gathered while the element is open; false for no blanks.
@@ -194,8 +186,6 @@ private:
         child.Parse(FParser);
     }
 
-    [[noreturn]] static void RaiseTooDeep() { throw EHtXML(u"XML contains too many nested nodes"_s); }
-
     THtXMLNode& FTop;
     THtmlParser& FParser;
     THtXMLNode* FNode = nullptr; // the innermost open element
@@ -208,8 +198,10 @@ void THtXMLNode::Parse(THtmlParser& HP)
     TReader(*this, HP).Run();
 }
 
-void THtXMLNode::SetXML(const String& s)
+void THtXMLNode::SetXML(const String& s, THtXMLStrictness Strictness)
 {
+    if (Strictness == xsWellFormed)
+        CheckWellFormed(s);
     Reset();
     THtmlParser parser(s, true);
     parser.SetCaseSensitive(true);
@@ -226,15 +218,15 @@ void THtXMLNode::ReadDocument(THtmlParser& HP)
     }
 }
 
-std::unique_ptr<THtXMLNode> THtXMLNode::CreateFromStream(TStream& Stream)
+std::unique_ptr<THtXMLNode> THtXMLNode::CreateFromStream(TStream& Stream, THtXMLStrictness Strictness)
 {
-    return std::make_unique<THtXMLNode>(StreamtoText(Stream));
+    return std::make_unique<THtXMLNode>(StreamtoText(Stream), Strictness);
 }
 
-std::unique_ptr<THtXMLNode> THtXMLNode::CreateFromFile(const String& FileName)
+std::unique_ptr<THtXMLNode> THtXMLNode::CreateFromFile(const String& FileName, THtXMLStrictness Strictness)
 {
     TFileStream file(FileName, fmOpenRead | fmShareDenyWrite);
-    return CreateFromStream(file);
+    return CreateFromStream(file, Strictness);
 }
 
 String THtXMLNode::StreamtoText(TStream& Stream)

@@ -223,7 +223,8 @@ void TXMLChecker::CheckUnique(TXMLScanner& scanner)
 
 void TXMLChecker::CheckAttributeValue(TXMLScanner& scanner)
 {
-    TXMLScanner value(scanner.Quoted(u"the value of an attribute"), scanner);
+    const TXMLScanner start = scanner; // messages point to the value
+    TXMLScanner value(scanner.Quoted(u"the value of an attribute"), start);
     CheckValueText(value);
 }
 

@@ -1,13 +1,19 @@
-// The test whether a text is well-formed XML, for those who want more strictness than the reader of trees
-// has. SPDX-License-Identifier: MIT
+// The test whether a text is well-formed XML.
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <hearth/foundation/limits.h>
 #include <hearth/xml/xml_error.h>
 
+#include <cstdint>
 #include <string_view>
 
 namespace ht {
+
+/// What readers of documents refuse: end tags in a wrong order and damaged tags, or also everything that XML
+/// calls not well-formed, see CheckWellFormed. The stricter test comes in front of the reading, which then is
+/// the same: it takes a second pass over the text.
+enum THtXMLStrictness : std::uint8_t { xsTags, xsWellFormed };
 
 /// Throws EHtXML "XML is not well-formed at line %d, column %d: ..." (both from 1) unless the text is a
 /// well-formed document of XML 1.0, fifth edition: characters and names, one root, tags that nest, attributes
