@@ -5,3 +5,5 @@
 #include <hearth/xml/xml_encode.h>
 #include <hearth/xml/xml_error.h>
 #include <hearth/xml/xml_node.h>
+#include <hearth/xml/xml_sax.h>
+#include <hearth/xml/xml_well_formed.h>
