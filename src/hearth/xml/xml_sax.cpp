@@ -126,6 +126,8 @@ private:
             return Tell(FOwner.OnCData, FParser.Value);
         case htDirective:
             return ReadDirective();
+        case htCustom: // a declaration in the wrong place
+            return;
         default:
             return Tell(FOwner.OnText, FParser.Value);
         }

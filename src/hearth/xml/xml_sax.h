@@ -23,8 +23,9 @@ class TStream;
 ///   parser.ParseFile(name);
 ///
 /// Events come in document order. The directives in front of the root element are told, comments there are
-/// not, and what stands behind the root is not looked at. An element without an end tag, also one that the
-/// end of the text closes, ends all the same. References in texts and values are resolved.
+/// not, "<!...>" is told nowhere, and what stands behind the root is not looked at. An element without an end
+/// tag, also one that the end of the text closes, ends all the same. References in texts and values are
+/// resolved.
 class HT_API THtSAXXMLParser : public TObject {
 public:
     static constexpr TClassInfo kClassInfo{u"THtSAXXMLParser", &TObject::kClassInfo};
