@@ -62,6 +62,47 @@ struct JsonRules {
     }
 };
 
+struct StandardJsonRules {
+    static bool IsEscaped(char16_t c) noexcept
+    {
+        return c < u' ' || c == u'"' || c == u'\\' || (c >= 0xD800 && c <= 0xDFFF);
+    }
+
+    static std::uint64_t Candidates(Units8 units) noexcept
+    {
+        return units.InRange(0, 0x1F)
+            .Or(units.Equal(Units8::Fill(u'"')))
+            .Or(units.Equal(Units8::Fill(u'\\')))
+            .Or(units.InRange(0xD800, 0xDFFF))
+            .Mask();
+    }
+
+    /// A whole pair stays as it is.
+    static std::u16string_view Escape(const char16_t*& p, const char16_t* end, EscapeBuffer& buffer)
+    {
+        constexpr std::u16string_view kUnits = u"\b\t\n\f\r\"\\";
+        constexpr std::u16string_view kEscapes = u"\\b\\t\\n\\f\\r\\\"\\\\";
+        const char16_t* const unit = p++;
+        if (const std::size_t known = kUnits.find(*unit); known != std::u16string_view::npos)
+            return kEscapes.substr(2 * known, 2);
+        if (IsHighSurrogate(*unit) && p < end && IsLowSurrogate(*p)) {
+            ++p;
+            return {unit, 2};
+        }
+        return NumberEscape(*unit, buffer);
+    }
+
+    static std::u16string_view NumberEscape(char16_t unit, EscapeBuffer& buffer)
+    {
+        constexpr std::u16string_view kDigits = u"0123456789abcdef";
+        buffer[0] = u'\\';
+        buffer[1] = u'u';
+        for (std::size_t i = 0; i < 4; ++i)
+            buffer[2 + i] = kDigits[unit >> (12 - 4 * i) & 0xFU];
+        return {buffer.data(), 6};
+    }
+};
+
 }
 
 String XMLEncode(const String& s, std::int32_t /*Overhead*/)
@@ -74,6 +115,11 @@ String JSONEncode(const String& s)
     return escapes::Encode<JsonRules>(s);
 }
 
+String JSONEscape(const String& s)
+{
+    return escapes::Encode<StandardJsonRules>(s);
+}
+
 void XMLEncodeTo(TFastString& FS, std::u16string_view s)
 {
     escapes::EncodeTo<XmlRules>(FS, s);
@@ -82,6 +128,11 @@ void XMLEncodeTo(TFastString& FS, std::u16string_view s)
 void JSONEncodeTo(TFastString& FS, std::u16string_view s)
 {
     escapes::EncodeTo<JsonRules>(FS, s);
+}
+
+void JSONEscapeTo(TFastString& FS, std::u16string_view s)
+{
+    escapes::EncodeTo<StandardJsonRules>(FS, s);
 }
 
 }

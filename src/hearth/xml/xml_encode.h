@@ -21,9 +21,13 @@ HT_API String XMLEncode(const String& s, std::int32_t Overhead = -1);
 /// The text with U+0008, tabs, double quotes and backslashes escaped. A line feed becomes "\r" and a carriage
 /// return "\n": the two are exchanged. Other control characters and "/" stay as they are.
 HT_API String JSONEncode(const String& s);
+/// The text as the standard wants it in a string of JSON: double quotes, backslashes and all control
+/// characters escaped, and halves of surrogate pairs, so that any text comes back from any encoding.
+HT_API String JSONEscape(const String& s);
 
 /// The encoders straight into a buffer.
 HT_API void XMLEncodeTo(TFastString& FS, std::u16string_view s);
 HT_API void JSONEncodeTo(TFastString& FS, std::u16string_view s);
+HT_API void JSONEscapeTo(TFastString& FS, std::u16string_view s);
 
 }

@@ -76,6 +76,7 @@ void THtXMLNode::Reset()
     FInstructions.reset();
     FIsArray = false;
     FPreserveSpace = false;
+    FJSONKind = jkNone;
 }
 
 /// A node of the same class with everything but children and place. Attributes go over one by one: their
@@ -89,6 +90,7 @@ std::unique_ptr<THtXMLNode> THtXMLNode::NewCopy() const
     copy.TagType = TagType;
     copy.FIsArray = FIsArray;
     copy.FPreserveSpace = FPreserveSpace;
+    copy.FJSONKind = FJSONKind;
     if (FAttributes) {
         copy.ReplaceAttributes(std::make_unique<THtAttributes>(FAttributes->CaseSensitive));
         for (const THtAttribute& attribute : *FAttributes)
@@ -116,6 +118,7 @@ void THtXMLNode::MoveContentsTo(THtXMLNode& target)
     target.FInstructions = std::move(FInstructions);
     target.FIsArray = std::exchange(FIsArray, false);
     target.FPreserveSpace = std::exchange(FPreserveSpace, false);
+    target.FJSONKind = std::exchange(FJSONKind, jkNone);
 }
 
 std::unique_ptr<THtXMLNode> THtXMLNode::Clone() const

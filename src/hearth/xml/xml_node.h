@@ -6,9 +6,10 @@
 #include <hearth/markup/json_parser.h>
 #include <hearth/markup/node.h>
 #include <hearth/runtime/strings.h>
+#include <hearth/xml/json_kind.h>
 #include <hearth/xml/xml_error.h>
-
 #include <hearth/xml/xml_well_formed.h>
+
 #include <memory>
 #include <string>
 
@@ -16,16 +17,19 @@ namespace ht {
 
 class TFastRawString;
 class TFastString;
+class TRttiType;
+class TValue;
 
 /// A node of an XML tree. Reading is strict: what does not nest is an error. Names of tags and attributes
 /// keep their case. All nodes of a tree are of this class or of descendants.
 ///
 /// JSON is read into the same tree. An object becomes an element whose members are attributes, or children
 /// where the value is an object or an array; an array becomes an element with a child for each value. All
-/// values are texts then: that a number was none is forgotten.
+/// values are texts then: that a number was none is forgotten. CreateFromLosslessJSON forgets nothing.
 ///
 /// xml_node.cpp builds and copies, xml_node_read.cpp reads XML, xml_node_write.cpp prints it,
-/// xml_node_json.cpp reads and prints JSON, xml_node_values.cpp holds names, texts and searches.
+/// xml_node_json.cpp reads and prints JSON, xml_node_lossless.cpp prints it without losses,
+/// xml_node_objects.cpp holds objects and records, xml_node_values.cpp names, texts and searches.
 class HT_API THtXMLNode : public THtNode {
 public:
     static constexpr TClassInfo kClassInfo{u"THtXMLNode", &THtNode::kClassInfo};
@@ -40,6 +44,13 @@ public:
     /// Reads JSON. Throws EHtJSONParserException and, for numbers, EConvertError. The second argument is not
     /// looked at.
     static std::unique_ptr<THtXMLNode> CreatefromJSON(const String& JSON, std::int32_t dummy = 0);
+    /// Reads JSON as it is: every value becomes an element that tells its kind in JSONKind and has the text
+    /// of a string, number or keyword as its content. Members are children in their order, named by their
+    /// tags, equal and empty names among them; elements of arrays have the tags "object", "array" and
+    /// "value", and so has the whole. Throws as CreatefromJSON does, which it follows in what it takes, but
+    /// for several objects in a row. LosslessJSON prints the same data.
+    static std::unique_ptr<THtXMLNode> CreateFromLosslessJSON(
+        const String& JSON, const THtLimits& Limits = HtLimits());
     /// Read XML from the position of a stream to its end, or from a file, see StreamtoText. Throw as SetXML
     /// and streams do.
     static std::unique_ptr<THtXMLNode> CreateFromStream(
@@ -101,12 +112,43 @@ public:
     /// reading.
     String JSON() const;
     void FastJSON(TFastString& FS) const;
+    /// The node as standard JSON: values by their kinds, members in their order. What was not read from JSON
+    /// prints too: attributes as strings in front of the children, an element with neither as the string of
+    /// its Value; comments and texts beside elements are left out. Contents of numbers and Booleans are not
+    /// looked at. With `Spaces` above 0 each part has a line of its own, indented by so many blanks a level.
+    String LosslessJSON(std::int32_t Spaces = 0) const;
+    void FastLosslessJSON(TFastString& FS, std::int32_t Spaces = 0) const;
+
+    // Objects and records of types that are registered with TRttiContext.
+
+    /// Append an element that holds an object or record, with its class or type as the tag unless told: of an
+    /// object the published properties and fields, of a record the fields. Plain values are attributes:
+    /// numbers so that they read back as they were, enumerations by name, sets as "[fsBold,fsItalic]", dates
+    /// as GetDateTime reads them. Objects, records, string lists and arrays are children named after the
+    /// member, elements of the latter two are children "item", or "null" for an object that is not there. A
+    /// null member is left out. Lifetime: that of this node. Throw EHtXML for types that are not registered,
+    /// for an object that holds itself and beyond the depth of HtLimits(), and EInvalidCast for a value that
+    /// is no record; then nothing is appended.
+    THtXMLNode* AddObject(const TObject& Object, const String& TagName = String());
+    THtXMLNode* AddRecord(const TValue& Record, const String& TagName = String());
+    /// Read back what these wrote into this node. Members that are not here stay as they are. An object
+    /// behind a member is filled in place; where there is none and the member can be written, one is created
+    /// of the class that the member is declared with, which from then on belongs to the object that it is set
+    /// into; arrays and string lists are replaced. Throw EHtXML "Member Boss.Age: ..." for what does not fit,
+    /// and what setters throw; what was read until then is set, a record stays as it was.
+    void LoadObject(TObject& Object) const;
+    void LoadRecord(TValue& Record) const;
+    /// A new object of a registered class.
+    std::unique_ptr<TObject> CreateObject(const TRttiType& Type) const;
 
     // What a node is.
 
     /// Was read from a JSON array, and prints as one.
     bool IsArray() const noexcept { return FIsArray; }
     void SetIsArray(bool value) noexcept { FIsArray = value; }
+    /// What the node was in JSON that was read without losses; for those who build such trees too.
+    THtJSONKind JSONKind() const noexcept { return FJSONKind; }
+    void SetJSONKind(THtJSONKind value) noexcept { FJSONKind = value; }
     /// The element has xml:space="preserve": blanks in it are text like any other.
     bool PreserveSpace() const noexcept { return FPreserveSpace; }
     /// Texts of the directives in front of the root element, made on first use. Owned by the node.
@@ -147,6 +189,12 @@ public:
     /// "/" the rest is asked of that first match alone.
     THtXMLNode* NodebyNameNS(std::u16string_view NodeName) const noexcept;
 
+    /// Sets what a path names (see XPath), for every match or the first one, and returns how often it did so.
+    /// A path that ends in "@name" sets that attribute of all elements that the steps in front find, whether
+    /// they had it or not; "@name" alone is one of this node. All other paths set the text, as SetValue does,
+    /// and "a/text()" is that of "a". Elements that are not there are not made. Throws as XPath does.
+    std::int32_t XPathSet(std::u16string_view path, const String& Value, bool FirstOnly = false);
+
     /// A copy of the subtree, each node of the class of its original. TagObject is not copied.
     std::unique_ptr<THtXMLNode> Clone() const;
     /// Makes this node a copy of another one with its subtree, which may be part of this tree. The place of
@@ -163,10 +211,13 @@ public:
 private:
     class TReader;
     class TJsonReader;
+    class TObjectWriter;
 
     static THtXMLNode& Typed(THtNode& node);
     static const THtXMLNode& Typed(const THtNode& node) { return Typed(const_cast<THtNode&>(node)); }
     THtXMLNode& NewChild(const THtTagName& tag);
+    THtXMLNode& NewElement(const THtTagName& tag);
+    template <class Write> THtXMLNode* AddWritten(const String& tag, Write write);
     void Reset();
     void ReadDocument(THtmlParser& HP);
     std::unique_ptr<THtXMLNode> NewCopy() const;
@@ -176,6 +227,7 @@ private:
     std::unique_ptr<TStringList> FInstructions; // made on first use
     bool FIsArray = false;
     bool FPreserveSpace = false;
+    THtJSONKind FJSONKind = jkNone;
 };
 
 }

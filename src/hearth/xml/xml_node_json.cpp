@@ -48,6 +48,26 @@ bool OpensContainer(THtJSONTokenType type)
     return type == jtObjectStart || type == jtArrayStart;
 }
 
+/// Whether nodes tell their kinds and plain members are nodes too.
+enum TJsonDetail : std::uint8_t { jdTexts, jdLossless };
+
+THtJSONKind KindOf(const THtJSONToken& token)
+{
+    switch (token.CType) {
+    case jtObjectStart:
+        return jkObject;
+    case jtArrayStart:
+        return jkArray;
+    case jtInt:
+    case jtFloat:
+        return jkNumber;
+    case jtValue:
+        return token.Name == u"null" ? jkNull : jkBoolean;
+    default:
+        return jkString;
+    }
+}
+
 bool IsScalar(THtJSONTokenType type)
 {
     return type == jtString || type == jtValue || type == jtInt || type == jtFloat;
@@ -58,10 +78,11 @@ bool IsScalar(THtJSONTokenType type)
 /// Reads one value with a loop: a container inside it is a level of the loop.
 class THtXMLNode::TJsonReader {
 public:
-    TJsonReader(THtXMLNode& top, THtJSONParser& parser, THtJSONTokenizer& tokens)
+    TJsonReader(THtXMLNode& top, THtJSONParser& parser, TJsonDetail detail)
         : FParser(parser)
-        , FTokens(tokens)
+        , FTokens(*parser.Tokenizer())
         , FNode(&top)
+        , FDetail(detail)
     {
     }
 
@@ -98,22 +119,35 @@ private:
         if (!IsScalar(FTokens.Type()) && FTokens.Type() != jtIdent)
             RaiseTokenExpected();
         FNode->FIsArray = false;
+        if (FDetail == jdLossless) {
+            FNode->SetTag(ValueTag());
+            FNode->TagType = htIdent;
+        }
         if (FNode->FTag.IsEmpty())
             FNode->TagType = htString;
-        FNode->SetValue(FTokens.Token().Name);
+        SetScalar(*FNode);
+    }
+
+    void SetScalar(THtXMLNode& node)
+    {
+        if (FDetail == jdLossless)
+            node.FJSONKind = KindOf(FTokens.Token());
+        node.SetValue(FTokens.TakeName());
     }
 
     /// Makes `node` the container that the current token opens. One that ends at once is complete then.
     void Open(THtXMLNode& node, THtMemberName* owner)
     {
         node.FIsArray = FTokens.Type() == jtArrayStart;
+        if (FDetail == jdLossless)
+            node.FJSONKind = KindOf(FTokens.Token());
         const char16_t next = FTokens.PassBlanks();
         if (next == 0 && FTokens.Parser().Empty())
             RaiseTokenExpected();
         const std::int32_t limit = FParser.Limits.JsonDepth;
         if (limit != 0 && FLevels.Length() >= limit)
             throw EHtJSONParserException(u"JSON contains too many nested nodes"_s);
-        if (node.FTag.IsEmpty())
+        if (node.FTag.IsEmpty() && (FDetail == jdTexts || FLevels.IsEmpty()))
             node.SetTag(node.FIsArray ? ArrayTag() : ObjectTag());
         node.TagType = htIdent;
         FNode = &node;
@@ -158,7 +192,7 @@ private:
             return Open(AddElement(type == jtArrayStart ? ArrayTag() : ObjectTag()), FLevels.Last().Owner);
         if (!IsScalar(type))
             RaiseTokenExpected();
-        AddElement(ValueTag()).SetValue(FTokens.TakeName());
+        SetScalar(AddElement(ValueTag()));
         EndPart();
     }
 
@@ -174,6 +208,10 @@ private:
         guess = level.Last = name;
         if (OpensContainer(type))
             return Open(AddElement(name->Tag()), name);
+        if (FDetail == jdLossless) {
+            SetScalar(AddElement(name->Tag()));
+            return EndPart();
+        }
         if (name->Name.IsEmpty())
             RaiseTokenExpected();
         // A first empty value is not stored, as with every attribute that is set.
@@ -254,6 +292,7 @@ private:
     THtJSONParser& FParser;
     THtJSONTokenizer& FTokens;
     THtXMLNode* FNode; // the innermost open container
+    TJsonDetail FDetail;
     THtMemberName* FFirst = nullptr; // the first name in an object without a name around it
     TArray<TLevel> FLevels;
     TArray<TMember> FMembers; // of all open containers, the outermost first
@@ -265,7 +304,7 @@ void THtXMLNode::ParseJSON(THtJSONParser& P)
 {
     if (!P.Tokenizer())
         RaiseTokenExpected();
-    TJsonReader(*this, P, *P.Tokenizer()).Run();
+    TJsonReader(*this, P, jdTexts).Run();
 }
 
 std::unique_ptr<THtXMLNode> THtXMLNode::CreatefromJSON(const String& JSON, std::int32_t /*dummy*/)
@@ -276,6 +315,19 @@ std::unique_ptr<THtXMLNode> THtXMLNode::CreatefromJSON(const String& JSON, std::
     auto document = std::make_unique<THtXMLNode>();
     document->ParseJSON(parser);
     document->ReadFurtherObjects(parser);
+    return document;
+}
+
+std::unique_ptr<THtXMLNode> THtXMLNode::CreateFromLosslessJSON(const String& JSON, const THtLimits& Limits)
+{
+    THtJSONParser parser(JSON);
+    parser.Limits = Limits;
+    if (!parser.Tokenizer() || !parser.Tokenizer()->NextNSToken())
+        throw EHtJSONParserException(u"JSON is empty"_s);
+    auto document = std::make_unique<THtXMLNode>();
+    TJsonReader(*document, parser, jdLossless).Run();
+    if (parser.Tokenizer()->NextNSToken())
+        RaiseNotTerminated();
     return document;
 }
 
