@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/xml/json_serializer.h>
 #include <hearth/xml/xml_encode.h>
 #include <hearth/xml/xml_error.h>
 #include <hearth/xml/xml_node.h>
