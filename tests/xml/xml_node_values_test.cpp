@@ -155,4 +155,35 @@ TEST(xml_node_values, sorting_keeps_equal_ones_in_order)
     empty.SortbyAttr(u"k");
 }
 
+TEST(xml_node_values, a_path_sets_what_it_names)
+{
+    struct TRow {
+        std::u16string_view Path;
+        std::int32_t Count;
+        std::u16string_view Code;
+    };
+    constexpr std::u16string_view kText = u"<r><a i='1'>x</a><b><a>y<c/>z</a></b><t/></r>";
+    const TRow rows[] = {
+        {u"a/@i", 1, u"<r><a i=\"v\">x</a><b><a>y<c/>z</a></b><t/></r>"},
+        {u"//a/@i", 2, u"<r><a i=\"v\">x</a><b><a i=\"v\">y<c/>z</a></b><t/></r>"},
+        {u"//a[@i='1']/@j", 1, u"<r><a i=\"1\" j=\"v\">x</a><b><a>y<c/>z</a></b><t/></r>"},
+        {u"@i", 1, u"<r i=\"v\"><a i=\"1\">x</a><b><a>y<c/>z</a></b><t/></r>"},
+        {u"//a", 2, u"<r><a i=\"1\">v</a><b><a>v<c/>z</a></b><t/></r>"},
+        {u"t", 1, u"<r><a i=\"1\">x</a><b><a>y<c/>z</a></b><t>v</t></r>"},
+        {u"a/text()", 1, u"<r><a i=\"1\">v</a><b><a>y<c/>z</a></b><t/></r>"},
+        {u"b//text()", 1, u"<r><a i=\"1\">x</a><b><a>y<c/>v</a></b><t/></r>"},
+        {u"b/a/../@i", 1, u"<r><a i=\"1\">x</a><b i=\"v\"><a>y<c/>z</a></b><t/></r>"},
+        {u"none/@i", 0, u"<r><a i=\"1\">x</a><b><a>y<c/>z</a></b><t/></r>"},
+        {u"", 0, u"<r><a i=\"1\">x</a><b><a>y<c/>z</a></b><t/></r>"},
+    };
+    for (const TRow& row : rows) {
+        THtXMLNode root{String(kText)};
+        EXPECT_EQ(root.XPathSet(row.Path, u"v"_s), row.Count) << String(row.Path);
+        EXPECT_EQ(root.Code(), row.Code) << String(row.Path);
+    }
+    THtXMLNode root{String(kText)};
+    EXPECT_EQ(root.XPathSet(u"//a/@i", u""_s, true), 1);
+    EXPECT_EQ(root.Code(), u"<r><a i=\"\">x</a><b><a>y<c/>z</a></b><t/></r>");
+}
+
 }

@@ -3,6 +3,7 @@
 #include <hearth/xml/xml_node.h>
 
 #include <hearth/foundation/fast_string.h>
+#include <hearth/markup/xpath.h>
 
 #include <algorithm>
 #include <vector>
@@ -44,6 +45,13 @@ std::unique_ptr<THtAttributes> WithoutNamespaces(const THtAttributes& attributes
             plain->AddNew(String(LocalPart(attribute.Name)), attribute.Value);
     }
     return plain;
+}
+
+/// True for a step that names a part of the elements in front of it.
+bool NamesPart(const TXPathNode& step)
+{
+    const bool isText = step.Kind == xkTag && step.Tag.IsEmpty() && !step.All && step.Conditions.IsEmpty();
+    return step.Kind == xkAttr || isText;
 }
 
 bool NamesNamespace(const THtAttribute& attribute)
@@ -107,6 +115,32 @@ THtXMLNode* THtXMLNode::NodebyNameNS(std::u16string_view NodeName) const noexcep
         node = *found;
         NodeName.remove_prefix(slash + 1);
     }
+}
+
+std::int32_t THtXMLNode::XPathSet(std::u16string_view path, const String& Value, bool FirstOnly)
+{
+    TXPathProcessor processor(path);
+    const std::int32_t steps = processor.Nodes.Length();
+    if (steps == 0)
+        return 0;
+    processor.Current = this;
+    const TXPathNode& last = processor.Nodes.Last();
+    const bool namesPart = NamesPart(last);
+    THtNodeList matches;
+    if (namesPart && steps == 1)
+        matches.Add(this);
+    else {
+        if (namesPart)
+            processor.Nodes[steps - 2].Next = nullptr;
+        InternalXPath(processor.Nodes[0], &matches, FirstOnly);
+    }
+    for (THtNode* match : matches) {
+        if (last.Kind == xkAttr)
+            Typed(*match).NeedAttributes().SetAttribute(last.Tag, Value);
+        else
+            Typed(*match).SetValue(Value);
+    }
+    return matches.Count();
 }
 
 void THtXMLNode::RemoveNamespaces()
