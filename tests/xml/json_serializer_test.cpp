@@ -102,11 +102,12 @@ TEST(json_serializer, wrong_values_name_their_member)
         {u"{\"Age\":1,}", u"Name/Value expected after comma"},
     };
     const THtJSONSerializer serializer;
-    for (const auto& [json, message] : rows) {
+    for (const auto& row : rows) {
         TPerson person;
         EXPECT_EQ(
-            MessageOf<EHtJSONParserException>([&] { serializer.Deserialize(String(json), person); }), message)
-            << String(json);
+            MessageOf<EHtJSONParserException>([&] { serializer.Deserialize(String(row.first), person); }),
+            row.second)
+            << String(row.first);
     }
     EXPECT_EQ(TPerson::Alive, 0); // whatever was made on the way
     TPerson person;

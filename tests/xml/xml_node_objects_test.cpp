@@ -101,10 +101,10 @@ TEST(xml_node_objects, what_does_not_fit_names_its_member)
         {u"<p><Friends><item/><item Age=''/></Friends></p>", u"Member Friends[1].Age: "},
         {u"<p><Shadow/></p>", u"Member Shadow: there is no object to fill"},
     };
-    for (const auto& [xml, message] : rows) {
+    for (const auto& row : rows) {
         TPerson person;
-        const String said = MessageOf<EHtXML>([&] { THtXMLNode(String(xml)).LoadObject(person); });
-        EXPECT_TRUE(said.View().starts_with(message)) << said;
+        const String said = MessageOf<EHtXML>([&] { THtXMLNode(String(row.first)).LoadObject(person); });
+        EXPECT_TRUE(said.View().starts_with(row.second)) << said;
     }
     EXPECT_EQ(TPerson::Alive, 0); // whatever was made on the way
     TValue number = TValue::From(1);
