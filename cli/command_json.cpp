@@ -20,6 +20,11 @@ std::unique_ptr<ht::THtXMLNode> Read(const ht::String& text)
     return ht::THtXMLNode::CreatefromJSON(text);
 }
 
+std::unique_ptr<ht::THtXMLNode> ReadLossless(const ht::String& text)
+{
+    return ht::THtXMLNode::CreateFromLosslessJSON(text);
+}
+
 /// One token a line: its type and its text.
 std::string Tokens(const ht::String& text)
 {
@@ -39,6 +44,13 @@ constexpr DocumentForm kForms[] = {
     {"tokens", Tokens},
 };
 
+constexpr DocumentForm kLosslessForms[] = {
+    {"json", [](const ht::String& text) { return ReadLossless(text)->LosslessJSON().ToUtf8(); }},
+    {"xml", [](const ht::String& text) { return ReadLossless(text)->Code().ToUtf8(); }},
+    {"tree", [](const ht::String& text) { return TreeText(*ReadLossless(text)); }},
+    {"tokens", Tokens},
+};
+
 }
 
 void AddJson(CLI::App& hearth)
@@ -54,7 +66,8 @@ void AddJson(CLI::App& hearth)
         "What to print"
         "\njson: all values as strings, those of arrays as empty objects."
         "\nxml: members as attributes, or as elements where they hold more."
-        "\ntree: one node a line, contents and values in quotes; tokens: one token a line.");
+        "\ntree: one node a line, contents and values in quotes; tokens: one token a line.",
+        {"--lossless", "Keep kinds, order and all members: json prints what was read", kLosslessForms});
 }
 
 }

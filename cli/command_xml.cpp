@@ -15,16 +15,17 @@ namespace hearth_cli {
 
 namespace {
 
-std::unique_ptr<ht::THtXMLNode> Read(const ht::String& text)
+template <ht::THtXMLStrictness Strictness> std::unique_ptr<ht::THtXMLNode> Read(const ht::String& text)
 {
-    return std::make_unique<ht::THtXMLNode>(text);
+    return std::make_unique<ht::THtXMLNode>(text, Strictness);
 }
 
+template <ht::THtXMLStrictness Strictness>
 constexpr DocumentForm kForms[] = {
-    {"xml", [](const ht::String& text) { return Read(text)->Code().ToUtf8(); }},
-    {"formatted", [](const ht::String& text) { return Read(text)->FormattedCode().ToUtf8(); }},
-    {"json", [](const ht::String& text) { return Read(text)->JSON().ToUtf8(); }},
-    {"tree", [](const ht::String& text) { return TreeText(*Read(text)); }},
+    {"xml", [](const ht::String& text) { return Read<Strictness>(text)->Code().ToUtf8(); }},
+    {"formatted", [](const ht::String& text) { return Read<Strictness>(text)->FormattedCode().ToUtf8(); }},
+    {"json", [](const ht::String& text) { return Read<Strictness>(text)->JSON().ToUtf8(); }},
+    {"tree", [](const ht::String& text) { return TreeText(*Read<Strictness>(text)); }},
 };
 
 }
@@ -36,11 +37,13 @@ void AddXml(CLI::App& hearth)
         "<plots>\n"
         "  <plot n=\"1\">free</plot>\n"
         "</plots>");
-    AddDocumentForms(command, kForms,
+    AddDocumentForms(command, kForms<ht::xsTags>,
         "What to print"
         "\nxml: the document without blanks between its tags; formatted: indented."
         "\njson: attributes and elements as members, no texts."
-        "\ntree: one node a line, contents and values in quotes.");
+        "\ntree: one node a line, contents and values in quotes.",
+        {"--well-formed", "Refuse what XML calls not well-formed, also where the tags nest",
+            kForms<ht::xsWellFormed>});
 }
 
 }

@@ -18,6 +18,7 @@ struct DocumentOptions {
     hearth_cli::Input Input;
     hearth_cli::Output Output;
     std::string As;
+    bool OtherWay = false;
 };
 
 std::vector<std::string> NamesOf(std::span<const DocumentForm> forms)
@@ -39,7 +40,8 @@ void Run(const DocumentOptions& options, std::span<const DocumentForm> forms)
 
 }
 
-void AddDocumentForms(CLI::App& command, std::span<const DocumentForm> forms, const char* help)
+void AddDocumentForms(
+    CLI::App& command, std::span<const DocumentForm> forms, const char* help, const DocumentSwitch& otherWay)
 {
     const auto options = std::make_shared<DocumentOptions>();
     options->As = forms.front().Name;
@@ -48,9 +50,11 @@ void AddDocumentForms(CLI::App& command, std::span<const DocumentForm> forms, co
         ->type_name("FORM")
         ->check(CLI::IsMember(NamesOf(forms)))
         ->capture_default_str();
+    command.add_flag(otherWay.Flag, options->OtherWay, otherWay.Help);
     options->Input.AddEncodingTo(command);
     options->Output.AddTo(command);
-    command.callback([options, forms] { Run(*options, forms); });
+    command.callback(
+        [options, forms, others = otherWay.Forms] { Run(*options, options->OtherWay ? others : forms); });
 }
 
 }

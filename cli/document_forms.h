@@ -19,8 +19,16 @@ struct DocumentForm {
     std::string (*Print)(const ht::String& text);
 };
 
-/// Adds input, output, encoding and --as, and what runs the command. The first form is the default one.
-/// Lifetime: `forms` outlives the command.
-void AddDocumentForms(CLI::App& command, std::span<const DocumentForm> forms, const char* help);
+/// A switch with which the forms are made in another way. They have the same names in the same order.
+struct DocumentSwitch {
+    const char* Flag;
+    const char* Help;
+    std::span<const DocumentForm> Forms;
+};
+
+/// Adds input, output, encoding, --as and the switch, and what runs the command. The first form is the
+/// default one. Lifetime: the forms outlive the command.
+void AddDocumentForms(
+    CLI::App& command, std::span<const DocumentForm> forms, const char* help, const DocumentSwitch& otherWay);
 
 }
