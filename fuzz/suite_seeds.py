@@ -46,6 +46,7 @@ def entities_seeds(suites):
 def json_seeds(suites):
     for file in sorted((suites / "JSONTestSuite").glob("*/*.json")):
         yield b"0" + file.read_bytes()
+        yield b"2" + file.read_bytes()
 
 
 SEEDS = {"html_fuzz": html_seeds, "html_fragment_fuzz": html_fragment_seeds, "entities_fuzz": entities_seeds,

@@ -12,6 +12,7 @@ using namespace ht::literals;
 /// The bits of the first byte.
 constexpr unsigned kBytesAsUnits = 1; // else as a stream is decoded
 constexpr unsigned kAnyDepth = 2;
+constexpr unsigned kWellFormed = 4; // first asked whether the text is well-formed
 
 ht::String Decode(std::string_view bytes, bool asUnits)
 {
@@ -46,6 +47,68 @@ bool Read(const ht::String& text, bool anyDepth, ht::THtXMLNode& root)
     } catch (const ht::EHtmlParserException&) {
         return false;
     }
+}
+
+/// What a reading says.
+struct Outcome {
+    ht::String Error;
+    std::int32_t Elements = 0;
+    bool operator==(const Outcome&) const = default;
+};
+
+template <class Work> ht::String ErrorOf(Work work)
+{
+    try {
+        work();
+    } catch (const ht::EHtXML& error) {
+        return error.Message;
+    } catch (const ht::EHtmlParserException& error) {
+        return error.Message;
+    }
+    return ht::String();
+}
+
+/// Both readers see the same elements and refuse the same.
+void CompareEvents(const ht::String& text)
+{
+    Outcome events;
+    std::int32_t open = 0;
+    std::int32_t line = 1;
+    ht::THtSAXXMLParser parser;
+    const auto place = [&] {
+        fuzz::Require(parser.Line() >= line && parser.Column() > 0, "places go forward");
+        line = parser.Line();
+    };
+    parser.OnStartElement = [&](const ht::String&, const ht::THtAttributes&) {
+        place();
+        ++events.Elements;
+        fuzz::Require(parser.Depth() == open++, "the depth is that of the open elements");
+    };
+    parser.OnEndElement = [&](const ht::String&) { --open; };
+    parser.OnText = parser.OnComment = parser.OnCData =
+        parser.OnDirective = [&](const ht::String&) { place(); };
+    events.Error = ErrorOf([&] { parser.Parse(text); });
+    fuzz::Require(!events.Error.IsEmpty() || open == 0, "what opens is closed");
+    Outcome tree;
+    ht::THtXMLNode root;
+    tree.Error = ErrorOf([&] { root.SetXML(text); });
+    for (const ht::THtNode* node = &root; node; node = node->NextNodeIn(&root))
+        tree.Elements += node->Tag().IsEmpty() ? 0 : 1;
+    fuzz::Require(events.Error == tree.Error, "both readers refuse the same");
+    fuzz::Require(!tree.Error.IsEmpty() || events.Elements == tree.Elements, "both readers see the same");
+}
+
+/// A text that passes is read; one that does not leaves the node as it was.
+void ReadWellFormed(const ht::String& text)
+{
+    ht::THtXMLNode root(u"<kept/>"_s);
+    const ht::String fault = ErrorOf([&] { ht::CheckWellFormed(text); });
+    const ht::String error = ErrorOf([&] { root.SetXML(text, ht::xsWellFormed); });
+    if (fault.IsEmpty()) {
+        const bool isTooDeep = error == u"XML contains too many nested nodes";
+        return fuzz::Require(error.IsEmpty() || isTooDeep, "what is well-formed is read");
+    }
+    fuzz::Require(error == fault && root.Code() == u"<kept/>", "what is refused changes nothing");
 }
 
 void PrintAll(const ht::THtXMLNode& root)
@@ -90,8 +153,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned mode = data[0];
     const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
     const bool anyDepth = (mode & kAnyDepth) != 0;
+    const ht::String text = Decode(bytes, (mode & kBytesAsUnits) != 0);
+    if ((mode & kWellFormed) != 0)
+        ReadWellFormed(text);
+    if (!anyDepth)
+        CompareEvents(text);
     ht::THtXMLNode root;
-    const bool isRead = Read(Decode(bytes, (mode & kBytesAsUnits) != 0), anyDepth, root);
+    const bool isRead = Read(text, anyDepth, root);
     // What was read up to the error is a tree too.
     const std::int32_t depth = fuzz::CheckTree(root);
     fuzz::Require(anyDepth || depth <= ht::HtLimits().XmlDepth, "the depth is bounded");
