@@ -98,7 +98,7 @@ struct StandardJsonRules {
         buffer[0] = u'\\';
         buffer[1] = u'u';
         for (std::size_t i = 0; i < 4; ++i)
-            buffer[2 + i] = kDigits[unit >> (12 - 4 * i) & 0xFU];
+            buffer[2 + i] = kDigits[static_cast<std::size_t>(unit) >> (12 - 4 * i) & 0xFU];
         return {buffer.data(), 6};
     }
 };
