@@ -91,8 +91,8 @@ private:
     /// Reads "</", the tag and ">", as NextToken would but for the token's name. False, with nothing read,
     /// where something else stands.
     bool ReadPlainCloseTag(std::u16string_view tag) noexcept;
-    /// Reads a text of blanks behind a tag and in front of a "<", as NextToken would but for the token's name.
-    /// Empty, with nothing read, where something else stands. Lifetime: that of the text.
+    /// Reads a text of blanks behind a tag and in front of a "<", as NextToken would but for the token's
+    /// name. Empty, with nothing read, where something else stands. Lifetime: that of the text.
     std::u16string_view ReadPlainBlanks() noexcept;
     void EndTagAt(const char16_t* end) noexcept;
     /// Reads blanks, a known attribute name and the "=" in front of a quoted value in one step. Null, with
