@@ -154,6 +154,65 @@ TEST(zip_archive, other_programs_read_and_write_the_same)
     EXPECT_EQ(archive.Read(1), std::string(70000, 'y'));
 }
 
+TEST(zip_archive, copies_keep_what_other_programs_know)
+{
+    const Folder folder;
+    const std::string make = "import sys, zipfile\n"
+                             "z = zipfile.ZipFile(sys.argv[1], \"w\")\n"
+                             "i = zipfile.ZipInfo(\"run\")\n"
+                             "i.external_attr = 0o100755 << 16\n"
+                             "i.extra = b\"UT\\5\\0\\1abcd\"\n"
+                             "z.writestr(i, \"x\" * 500, zipfile.ZIP_LZMA)";
+    ASSERT_EQ(RunPython(make, folder.Of("theirs.zip")), 0);
+    THtZIP archive;
+    archive.Open(folder.NameOf("theirs.zip"));
+    archive.Add(u"new"_s, "new");
+    archive.SaveToFile(folder.NameOf("theirs.zip"));
+    const std::string check = "import sys, zipfile\n"
+                              "z = zipfile.ZipFile(sys.argv[1])\n"
+                              "i = z.getinfo(\"run\")\n"
+                              "assert i.external_attr == 0o100755 << 16 and i.create_system == 3\n"
+                              "assert i.extra == b\"UT\\5\\0\\1abcd\" and z.testzip() is None";
+    EXPECT_EQ(RunPython(check, folder.Of("theirs.zip")), 0);
+}
+
+TEST(zip_archive, copies_of_encrypted_entries_take_their_password)
+{
+    // Its checksum stands behind the data, so the time proves the password.
+    constexpr std::string_view kEncrypted = "504b0304140009000000dd635d58000000000000000000000000010000006"
+                                            "5e3c080a18c0367a930de33ec74fb3abcb3b8504b0708e5e8a25c12000000"
+                                            "06000000504b01021400140009000000dd635d58e5e8a25c1200000006000"
+                                            "00001000000000000000000000000000000000065504b0506000000000100"
+                                            "01002f000000410000000000";
+    std::string bytes;
+    for (std::size_t i = 0; i < kEncrypted.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(std::string(kEncrypted.substr(i, 2)), nullptr, 16));
+    const Folder folder;
+    StrtoFileR(folder.NameOf("locked.zip"), bytes);
+    THtZIP archive;
+    archive.Open(folder.NameOf("locked.zip"));
+    archive.SaveToFile(folder.NameOf("copy.zip"));
+    const std::string check = "import sys, zipfile; z = zipfile.ZipFile(sys.argv[1]); "
+                              "assert z.read(\"e\", b\"pw\") == b\"secret\"";
+    EXPECT_EQ(RunPython(check, folder.Of("copy.zip")), 0);
+}
+
+TEST(zip_archive, texts_come_back)
+{
+    THtZIP archive;
+    archive.Add(u"a\x1A\x1C\x7F"_s, {}); // pictures in the old code page
+    archive.SetComment(u"größe PK\5\6 and more than a record is long"_s);
+    TBytesStream stream = StreamOf(Saved(archive));
+    THtZIP read;
+    read.Open(stream);
+    EXPECT_EQ(read.Entry(0).Name, u"a\x1A\x1C\x7F");
+    EXPECT_EQ(read.Comment(), archive.Comment());
+    archive.SetComment(String(std::u16string(40'000, u'ö'))); // has no room, and is cut between two letters
+    TBytesStream cut = StreamOf(Saved(archive));
+    read.Open(cut);
+    EXPECT_EQ(read.Comment(), std::u16string(32'767, u'ö'));
+}
+
 TEST(zip_archive, more_entries_than_the_short_record_counts)
 {
     constexpr std::int32_t kCount = 70'000;
@@ -183,6 +242,30 @@ TEST(zip_archive, unsafe_names_are_told)
     archive.Add(u"../escaped"_s, "x");
     EXPECT_THROW(archive.Extract(0, folder.NameOf("out")), EHtZIP);
     EXPECT_FALSE(fs::exists(folder.Of("escaped")));
+}
+
+TEST(zip_archive, nothing_is_written_through_links_or_in_part)
+{
+    const Folder folder;
+    fs::create_directories(folder.Of("out"));
+    fs::create_directory_symlink(folder.Of(""), folder.Of("out/link"));
+    fs::create_symlink(folder.Of("kept"), folder.Of("out/file"));
+    StrtoFileR(folder.NameOf("kept"), "kept");
+    THtZIP archive;
+    archive.Add(u"link/escaped"_s, "x");
+    archive.Add(u"file"_s, "new", zmStored);
+    EXPECT_THROW(archive.Extract(0, folder.NameOf("out")), EHtZIP);
+    archive.Extract(1, folder.NameOf("out"));
+    EXPECT_FALSE(fs::exists(folder.Of("escaped")));
+    EXPECT_EQ(FileToStrR(folder.NameOf("kept")), "kept");
+    EXPECT_EQ(FileToStrR(folder.NameOf("out/file")), "new");
+    std::string broken = Saved(archive);
+    broken.replace(broken.find("new"), 3, "bad");
+    TBytesStream stream = StreamOf(broken);
+    archive.Open(stream);
+    EXPECT_THROW(archive.Extract(1, folder.NameOf("out")), EHtZIP);
+    EXPECT_EQ(FileToStrR(folder.NameOf("out/file")), "new");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Of("out")), fs::directory_iterator()), 2);
 }
 
 /// Opens and reads everything; false where the archive is refused.

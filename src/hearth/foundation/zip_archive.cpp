@@ -1,5 +1,6 @@
 // Reading archives: the directory and the contents of entries.
 // SPDX-License-Identifier: MIT
+#include "file_replacement_p.h"
 #include "zip_format_p.h"
 
 #include <hearth/runtime/checked.h>
@@ -63,18 +64,26 @@ private:
     std::int64_t FPosition = 0;
 };
 
-/// A stream into a string.
-class TStringSink final : public TStream {
-public:
-    std::int32_t Write(const void* buffer, std::int32_t count) override
-    {
-        detail::WithStorage(
-            [&] { Bytes.append(static_cast<const char*>(buffer), static_cast<std::size_t>(count)); });
-        return count;
+/// Text without a word on its encoding. ASCII stays what it is: the table of the code page has pictures where
+/// control characters are.
+String DecodeOld(std::string_view bytes)
+{
+    const String text = DecodeBytes(bytes, kOldCodePage);
+    std::u16string units(text.View());
+    for (std::size_t i = 0; i < std::min(units.size(), bytes.size()); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (byte < 0x80)
+            units[i] = byte;
     }
+    return String(units);
+}
 
-    std::string Bytes;
-};
+/// The comment of an archive has no mark of its encoding.
+String DecodeComment(std::string_view bytes)
+{
+    const String text = String::FromUtf8(bytes);
+    return text.ToUtf8() == bytes ? text : DecodeOld(bytes);
+}
 
 std::filesystem::path PathOf(const String& name)
 {
@@ -135,14 +144,21 @@ private:
         const std::int64_t size = FStream.Size();
         const std::int64_t start = std::max<std::int64_t>(0, size - kEndSize - 0xFFFF);
         const std::string tail = ReadAt(FStream, start, size - start);
+        std::size_t found = std::string::npos;
         for (std::size_t at = tail.size(); at-- > 0;) {
-            if (!std::string_view(tail).substr(at).starts_with("PK\5\6"))
+            const std::string_view record = std::string_view(tail).substr(at);
+            if (!record.starts_with("PK\5\6") || record.size() < kEndSize)
                 continue;
-            if (tail.size() - at < kEndSize)
-                continue;
-            return ReadEnd(std::string_view(tail).substr(at), start + static_cast<std::int64_t>(at));
+            // The first letters may stand in the comment too.
+            const bool fits = TByteReader(record.substr(kEndSize - 2)).Take16() == record.size() - kEndSize;
+            if (fits || found == std::string::npos)
+                found = at;
+            if (fits)
+                break;
         }
-        throw EHtZIP(u"The file is no ZIP archive"_s);
+        if (found == std::string::npos)
+            throw EHtZIP(u"The file is no ZIP archive"_s);
+        ReadEnd(std::string_view(tail).substr(found), start + static_cast<std::int64_t>(found));
     }
 
     void ReadEnd(std::string_view record, std::int64_t place)
@@ -155,8 +171,7 @@ private:
         FDirectorySize = reader.Take32();
         std::int64_t offset = reader.Take32();
         const std::uint16_t commentSize = reader.Take16();
-        FArchive.FComment =
-            DecodeBytes(reader.Take(std::min<std::size_t>(commentSize, reader.Rest())), kOldCodePage);
+        FArchive.FComment = DecodeComment(reader.Take(std::min<std::size_t>(commentSize, reader.Rest())));
         std::int64_t end = place;
         if (FCount == kCountIn64 || FDirectorySize == kIn64 || offset == kIn64)
             ReadEnd64(place, end, offset);
@@ -204,44 +219,44 @@ private:
             RaiseDamaged();
         TEntry entry;
         THtZIPEntry& told = entry.Told;
-        reader.Take32(); // versions
-        const std::uint16_t flags = reader.Take16();
+        TRecord& record = entry.Record;
+        record.MadeBy = reader.Take16();
+        record.Version = reader.Take16();
+        record.Flags = reader.Take16();
         told.Method = reader.Take16();
-        const std::uint16_t time = reader.Take16();
-        told.Modified = FromDosTime(reader.Take16(), time);
+        record.DosTime = reader.Take32();
+        told.Modified = FromDosTime(record.DosTime);
         told.CRC32 = reader.Take32();
         told.CompressedSize = reader.Take32();
         told.Size = reader.Take32();
         const std::uint16_t nameSize = reader.Take16();
         const std::uint16_t extraSize = reader.Take16();
         const std::uint16_t commentSize = reader.Take16();
-        reader.Take(8); // disk and attributes
+        reader.Take16(); // disk
+        record.InternalAttributes = reader.Take16();
+        record.ExternalAttributes = reader.Take32();
         entry.HeaderAt = reader.Take32();
-        const std::uint32_t codePage = (flags & kUtf8Flag) != 0 ? kUtf8CodePage : kOldCodePage;
-        told.IsEncrypted = (flags & kEncryptedFlag) != 0;
-        told.Name = DecodeBytes(reader.Take(nameSize), codePage);
-        ReadExtra(reader.Take(extraSize), entry);
-        told.Comment = DecodeBytes(reader.Take(commentSize), codePage);
+        const auto decode = (record.Flags & kUtf8Flag) != 0 ? String::FromUtf8 : DecodeOld;
+        told.IsEncrypted = (record.Flags & kEncryptedFlag) != 0;
+        told.Name = decode(reader.Take(nameSize));
+        const std::string_view extra = reader.Take(extraSize);
+        ReadLargeNumbers(extra, entry);
+        record.Extra = WithoutLargeNumbers(extra);
+        told.Comment = decode(reader.Take(commentSize));
         entry.HeaderAt = CheckedAdd(entry.HeaderAt, FArchive.FBase);
         return entry;
     }
 
-    /// Fields of a number and a size; one of them has what is too large for the record.
-    static void ReadExtra(std::string_view extra, TEntry& entry)
+    /// One field has what is too large for the record.
+    static void ReadLargeNumbers(std::string_view extra, TEntry& entry)
     {
-        TByteReader reader(extra);
-        while (reader.Rest() >= 4) {
-            const std::uint16_t id = reader.Take16();
-            const std::uint16_t size = reader.Take16();
-            TByteReader field(reader.Take(std::min<std::size_t>(size, reader.Rest())));
-            if (id != kExtra64)
-                continue;
+        ForEachField(extra, [&entry](std::uint16_t id, std::string_view bytes) {
+            TByteReader field(bytes);
             for (std::int64_t* number : {&entry.Told.Size, &entry.Told.CompressedSize, &entry.HeaderAt}) {
-                if (*number == kIn64 && field.Rest() >= 8)
+                if (id == kExtra64 && *number == kIn64 && field.Rest() >= 8)
                     *number = CheckedCast<std::int64_t>(field.Take64());
             }
-            return;
-        }
+        });
     }
 
     /// Each entry has bytes of its own in front of the directory: an archive whose entries share them unpacks
@@ -279,13 +294,24 @@ void THtZIP::Open(const String& fileName)
     FFile = std::move(file);
 }
 
+void THtZIP::ReadDirectory(TStream& stream)
+{
+    try {
+        TDirectoryReader(*this, stream).Run();
+    } catch (const EIntOverflow&) { // numbers that no file can have
+        RaiseDamaged();
+    } catch (const ERangeError&) {
+        RaiseDamaged();
+    }
+}
+
 void THtZIP::Open(TStream& stream)
 {
     FEntries.Clear();
     FComment = {};
     FStream = nullptr;
     try {
-        TDirectoryReader(*this, stream).Run();
+        ReadDirectory(stream);
     } catch (...) {
         FEntries.Clear();
         FComment = {};
@@ -303,7 +329,7 @@ std::int32_t THtZIP::IndexOf(std::u16string_view name) const
     return index;
 }
 
-std::int64_t THtZIP::DataStart(const TEntry& entry)
+THtZIP::TLocalPart THtZIP::ReadLocal(const TEntry& entry)
 {
     const std::string header = ReadAt(*FStream, entry.HeaderAt, kLocalSize);
     TByteReader reader(header);
@@ -311,10 +337,14 @@ std::int64_t THtZIP::DataStart(const TEntry& entry)
         RaiseDamaged();
     reader.Take(22);
     const std::uint16_t nameSize = reader.Take16();
-    const std::int64_t start = entry.HeaderAt + kLocalSize + nameSize + reader.Take16();
-    if (start + entry.Told.CompressedSize > FDirectoryAt)
+    const std::uint16_t extraSize = reader.Take16();
+    const std::int64_t extraAt = entry.HeaderAt + kLocalSize + nameSize;
+    TLocalPart part;
+    part.DataAt = extraAt + extraSize;
+    if (part.DataAt > FDirectoryAt || entry.Told.CompressedSize > FDirectoryAt - part.DataAt)
         RaiseDamaged();
-    return start;
+    part.Extra = ReadAt(*FStream, extraAt, extraSize);
+    return part;
 }
 
 void THtZIP::RequireReadable(const TEntry& entry) const
@@ -374,7 +404,7 @@ void THtZIP::Read(std::int32_t index, TStream& target)
         added.SetPosition(0);
     }
     TPartStream part(entry.IsAdded ? static_cast<TStream&>(added) : *FStream,
-        entry.IsAdded ? 0 : DataStart(entry), entry.Told.CompressedSize);
+        entry.IsAdded ? 0 : ReadLocal(entry).DataAt, entry.Told.CompressedSize);
     if (entry.Told.Method == zmStored)
         return CopyProved(part, target, entry.Told);
     TZDecompressionStream inflated(part, zfRaw, Limits.InflateRatio);
@@ -387,17 +417,38 @@ void THtZIP::Read(std::int32_t index, TStream& target)
     }
 }
 
+namespace {
+
+/// A link that stands in the folder already may lead out of it. One in the place of a file is replaced.
+void RequireNoLink(std::filesystem::path path, const THtZIPEntry& entry)
+{
+    const std::filesystem::path name = PathOf(entry.Name);
+    for (const std::filesystem::path& part : name.parent_path()) {
+        path /= part;
+        std::error_code missing;
+        if (std::filesystem::is_symlink(std::filesystem::symlink_status(path, missing)))
+            throw EHtZIP(Concat({u"Entry \"", entry.Name, u"\" leads through a link"}));
+    }
+}
+
+}
+
 void THtZIP::Extract(std::int32_t index, const String& folder)
 {
     const THtZIPEntry& entry = Entry(index);
     if (entry.IsUnsafe())
         throw EHtZIP(Concat({u"Entry \"", entry.Name, u"\" has an unsafe name"}));
     const std::filesystem::path path = PathOf(folder) / PathOf(entry.Name);
+    RequireNoLink(PathOf(folder), entry);
     if (entry.IsFolder())
         return MakeFolders(path);
     MakeFolders(path.parent_path());
-    TFileStream file(String::FromUtf8(path.string()), fmCreate);
-    Read(index, file);
+    TFileReplacement replacement(String::FromUtf8(path.string()));
+    {
+        TFileStream file(replacement.Beside(), fmOpenReadWrite);
+        Read(index, file);
+    }
+    replacement.TakePlace();
 }
 
 }

@@ -79,8 +79,9 @@ public:
     void Read(std::int32_t index, TStream& target);
     /// The contents as text, by the byte order mark, else as UTF-8.
     String ReadText(std::int32_t index);
-    /// Writes a file, or makes a folder, under the entry's name in `folder`, making folders on the way.
-    /// Throws EHtZIP for an entry whose name is unsafe, and as file streams do.
+    /// Writes a file, or makes a folder, under the entry's name in `folder`, making folders on the way. A
+    /// file that is there is replaced once all of the entry was read. Throws EHtZIP for an entry whose name
+    /// is unsafe or leads through a link below `folder`, and as Read and file streams do.
     void Extract(std::int32_t index, const String& folder);
 
     // Making.
@@ -98,17 +99,29 @@ public:
     void AddFolder(const String& name, TDateTime modified = 0);
     void Delete(std::int32_t index) { FEntries.Delete(index); }
 
-    /// Writes the archive: entries that were read as they stand in their file, then those that were added.
-    /// The file is replaced only when all of it was written, so an archive may be saved over itself. Throw as
-    /// streams do, and as Read does.
+    /// Writes the archive: entries that were read as they stand in their file, with what only other programs
+    /// understand of them, and those that were added. Names become UTF-8. The file is replaced only when all
+    /// of it was written, so an archive may be saved over itself. Throw as streams do, and EHtZIP for a
+    /// damaged entry.
     void Save(TStream& target);
     void SaveToFile(const String& fileName);
 
     THtLimits Limits = HtLimits();
 
 private:
+    /// What the records of an entry that was read say besides, in the words of the format.
+    struct TRecord {
+        std::uint16_t MadeBy = 0;
+        std::uint16_t Version = 0;
+        std::uint16_t Flags = 0;
+        std::uint32_t DosTime = 0;
+        std::uint16_t InternalAttributes = 0;
+        std::uint32_t ExternalAttributes = 0;
+        std::string Extra; // without the field of large numbers
+    };
     struct TEntry {
         THtZIPEntry Told;
+        TRecord Record;
         std::int64_t HeaderAt = 0; // in the opened stream
         bool IsAdded = false;
         std::string Data; // of an added entry, as the archive will hold it
@@ -116,9 +129,14 @@ private:
     class TDirectoryReader;
     class TWriter;
 
-    std::int64_t DataStart(const TEntry& entry);
+    /// What stands between the local header of an entry and its data.
+    struct TLocalPart {
+        std::string Extra;
+        std::int64_t DataAt = 0; // in the opened stream
+    };
+    void ReadDirectory(TStream& stream);
+    TLocalPart ReadLocal(const TEntry& entry);
     void RequireReadable(const TEntry& entry) const;
-    void CopyStored(const TEntry& entry, TStream& target);
 
     TArray<TEntry> FEntries;
     String FComment;

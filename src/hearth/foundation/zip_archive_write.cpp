@@ -1,15 +1,14 @@
 // Making archives.
 // SPDX-License-Identifier: MIT
+#include "file_replacement_p.h"
 #include "zip_format_p.h"
 
 #include <hearth/runtime/checked.h>
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 
 #include <sys/stat.h>
-#include <unistd.h>
 #include <zlib.h>
 
 namespace ht {
@@ -34,11 +33,11 @@ std::uint32_t ChecksumOf(std::string_view bytes)
 
 std::string Deflated(std::string_view bytes, TZCompressionLevel level)
 {
-    TBytesStream target;
+    TStringSink target;
     TZCompressionStream deflate(target, level, zfRaw);
     deflate.WriteBuffer(bytes);
     deflate.Finish();
-    return {reinterpret_cast<const char*>(target.Memory()), static_cast<std::size_t>(target.Size())};
+    return std::move(target.Bytes);
 }
 
 /// When a file was changed last, by the local clock; 0 where that is not known.
@@ -56,44 +55,39 @@ TDateTime ModifiedOf(const String& fileName)
     return day + clock;
 }
 
-/// A file beside another one that takes its place once it is complete.
-class TReplacement {
-public:
-    explicit TReplacement(const String& fileName)
-        : FName(fileName.ToUtf8())
-        , FBeside(FName + ".XXXXXX")
-    {
-        const int made = mkstemp(FBeside.data());
-        if (made < 0)
-            throw EFCreateError(Concat({u"Cannot create file \"", fileName, u"\""}));
-        fchmod(made, 0644);
-        close(made);
-    }
-    TReplacement(const TReplacement&) = delete;
-    TReplacement& operator=(const TReplacement&) = delete;
-    ~TReplacement() { unlink(FBeside.c_str()); }
+[[noreturn]] void RaiseName()
+{
+    throw EHtZIP(u"The name of an entry has 1 to 65535 bytes"_s);
+}
 
-    String Beside() const { return String::FromUtf8(FBeside); }
-    void TakePlace()
-    {
-        std::error_code error;
-        std::filesystem::rename(FBeside, FName, error);
-        if (error)
-            throw EFCreateError(Concat({u"Cannot replace file \"", String::FromUtf8(FName), u"\""}));
-    }
+/// Names that were not UTF-8 get longer. An empty one can be read, so it is written again.
+void RequireName(std::string_view name)
+{
+    if (name.size() > kMaxText)
+        RaiseName();
+}
 
-private:
-    std::string FName;
-    std::string FBeside;
-};
+/// As many bytes of a text as a record has room for, in whole characters.
+std::string CutUtf8(const String& text)
+{
+    std::string bytes = text.ToUtf8();
+    if (bytes.size() <= kMaxText)
+        return bytes;
+    std::size_t end = kMaxText;
+    while ((static_cast<unsigned char>(bytes[end]) & 0xC0U) == 0x80U)
+        --end;
+    bytes.resize(end);
+    return bytes;
+}
 
 }
 
 void THtZIP::Add(const String& name, std::string_view bytes, THtZIPMethod method, TDateTime modified,
     TZCompressionLevel level)
 {
-    if (name.IsEmpty() || name.ToUtf8().size() > kMaxText)
-        throw EHtZIP(u"The name of an entry has 1 to 65535 bytes"_s);
+    if (name.IsEmpty())
+        RaiseName();
+    RequireName(name.ToUtf8());
     TEntry entry;
     entry.IsAdded = true;
     entry.Told.Name = name;
@@ -160,28 +154,41 @@ private:
         return IsLarge(number) ? kIn64 : static_cast<std::uint64_t>(number);
     }
 
-    /// What both records of an entry have in common, from the version on.
-    static void PutCommon(std::string& record, const THtZIPEntry& told, std::uint16_t version)
+    /// Flags also say how data are compressed or encrypted, so those of an entry that was read are kept. The
+    /// checksum and the sizes stand in front of its data now, but for encrypted ones: the flag for these
+    /// tells by what a password is proved.
+    static std::uint16_t FlagsOf(const TEntry& entry)
     {
-        const bool isUtf8 = !IsAscii(told.Name) || !IsAscii(told.Comment);
-        Put16(record, version);
-        Put16(record, (isUtf8 ? kUtf8Flag : 0U) | (told.IsEncrypted ? kEncryptedFlag : 0U));
+        const bool isUtf8 = !IsAscii(entry.Told.Name) || !IsAscii(entry.Told.Comment);
+        const unsigned made = kUtf8Flag | (entry.Told.IsEncrypted ? 0U : kDescriptorFlag);
+        return static_cast<std::uint16_t>((entry.Record.Flags & ~made) | (isUtf8 ? kUtf8Flag : 0U));
+    }
+    static bool HasDescriptor(const TEntry& entry) { return (FlagsOf(entry) & kDescriptorFlag) != 0; }
+
+    /// What both records of an entry have in common, from the version on.
+    static void PutCommon(std::string& record, const TEntry& entry, std::uint16_t version,
+        std::uint64_t compressedSize, std::uint64_t size)
+    {
+        const THtZIPEntry& told = entry.Told;
+        Put16(record, std::max(version, entry.Record.Version));
+        Put16(record, FlagsOf(entry));
         Put16(record, told.Method);
-        Put32(record, ToDosTime(told.Modified));
+        Put32(record, entry.IsAdded ? ToDosTime(told.Modified) : entry.Record.DosTime);
         Put32(record, told.CRC32);
-        Put32(record, Short(told.CompressedSize));
-        Put32(record, Short(told.Size));
+        Put32(record, compressedSize);
+        Put32(record, size);
         Put16(record, told.Name.ToUtf8().size());
     }
 
-    /// The field with the numbers that are too large.
-    static std::string Extra64(std::initializer_list<std::int64_t> numbers)
+    /// The fields of the entry, unless there is no room for them beside ours.
+    static std::string Joined(std::string fields, const std::string& kept)
     {
-        std::string field;
-        for (const std::int64_t number : numbers) {
-            if (IsLarge(number))
-                Put64(field, static_cast<std::uint64_t>(number));
-        }
+        return fields.size() + kept.size() > kMaxText ? fields : fields + kept;
+    }
+
+    /// The field for large numbers.
+    static std::string Extra64(const std::string& field)
+    {
         if (field.empty())
             return field;
         std::string extra;
@@ -194,36 +201,73 @@ private:
     {
         const THtZIPEntry& told = entry.Told;
         const std::int64_t headerAt = FWritten;
+        const std::string name = told.Name.ToUtf8();
+        RequireName(name);
         // A local header has both sizes in the field, or none.
         const bool isLarge = IsLarge(told.Size) || IsLarge(told.CompressedSize);
-        const std::string localExtra = isLarge ? Extra64({told.Size, told.CompressedSize}) : std::string();
+        std::string large;
+        if (isLarge) {
+            Put64(large, static_cast<std::uint64_t>(told.Size));
+            Put64(large, static_cast<std::uint64_t>(told.CompressedSize));
+        }
+        const TLocalPart old = entry.IsAdded ? TLocalPart() : FArchive.ReadLocal(entry);
+        const std::string extra = Joined(Extra64(large), WithoutLargeNumbers(old.Extra));
         std::string local;
         Put32(local, kLocalSignature);
-        PutCommon(local, told, isLarge ? kVersion64 : kVersion);
-        Put16(local, localExtra.size());
-        Write(local + told.Name.ToUtf8() + localExtra);
-        if (entry.IsAdded) {
+        PutCommon(local, entry, isLarge ? kVersion64 : kVersion, isLarge ? kIn64 : Short(told.CompressedSize),
+            isLarge ? kIn64 : Short(told.Size));
+        Put16(local, extra.size());
+        Write(local + name + extra);
+        if (entry.IsAdded)
             Write(entry.Data);
-        } else {
-            FArchive.CopyStored(entry, FTarget);
-            FWritten += told.CompressedSize;
-        }
-        AddToDirectory(told, headerAt);
+        else
+            Copy(old.DataAt, told.CompressedSize);
+        if (HasDescriptor(entry))
+            WriteDescriptor(told, isLarge);
+        AddToDirectory(entry, headerAt);
     }
 
-    void AddToDirectory(const THtZIPEntry& told, std::int64_t headerAt)
+    /// Bytes as they stand in the opened archive, compressed or not.
+    void Copy(std::int64_t from, std::int64_t count)
     {
-        const std::string extra = Extra64({told.Size, told.CompressedSize, headerAt});
-        const std::uint16_t version = extra.empty() ? kVersion : kVersion64;
-        const std::string comment = told.Comment.ToUtf8().substr(0, kMaxText);
+        FArchive.FStream->SetPosition(from);
+        if (count > 0)
+            FTarget.CopyFrom(*FArchive.FStream, count);
+        FWritten += count;
+    }
+
+    void WriteDescriptor(const THtZIPEntry& told, bool isLarge)
+    {
+        const auto put = isLarge ? Put64 : Put32;
+        std::string descriptor;
+        Put32(descriptor, kDescriptorSignature);
+        Put32(descriptor, told.CRC32);
+        put(descriptor, static_cast<std::uint64_t>(told.CompressedSize));
+        put(descriptor, static_cast<std::uint64_t>(told.Size));
+        Write(descriptor);
+    }
+
+    void AddToDirectory(const TEntry& entry, std::int64_t headerAt)
+    {
+        const THtZIPEntry& told = entry.Told;
+        std::string large;
+        for (const std::int64_t number : {told.Size, told.CompressedSize, headerAt}) {
+            if (IsLarge(number))
+                Put64(large, static_cast<std::uint64_t>(number));
+        }
+        const std::string extra = Joined(Extra64(large), entry.Record.Extra);
+        const std::uint16_t version = large.empty() ? kVersion : kVersion64;
+        const std::string comment = CutUtf8(told.Comment);
+        constexpr std::uint32_t kFolderAttribute = 0x10;
+        const std::uint32_t added = told.IsFolder() ? kFolderAttribute : 0;
         Put32(FDirectory, kCentralSignature);
-        Put16(FDirectory, version);
-        PutCommon(FDirectory, told, version);
+        Put16(FDirectory, entry.IsAdded ? version : entry.Record.MadeBy);
+        PutCommon(FDirectory, entry, version, Short(told.CompressedSize), Short(told.Size));
         Put16(FDirectory, extra.size());
         Put16(FDirectory, comment.size());
         Put16(FDirectory, 0); // disk
-        Put16(FDirectory, 0); // binary
-        Put32(FDirectory, told.IsFolder() ? 0x10U : 0U);
+        Put16(FDirectory, entry.Record.InternalAttributes);
+        Put32(FDirectory, entry.IsAdded ? added : entry.Record.ExternalAttributes);
         Put32(FDirectory, Short(headerAt));
         FDirectory += told.Name.ToUtf8() + extra + comment;
     }
@@ -242,7 +286,7 @@ private:
         Put16(end, shortCount);
         Put32(end, Short(size));
         Put32(end, Short(directoryAt));
-        const std::string comment = FArchive.FComment.ToUtf8().substr(0, kMaxText);
+        const std::string comment = CutUtf8(FArchive.FComment);
         Put16(end, comment.size());
         Write(end + comment);
     }
@@ -275,14 +319,6 @@ private:
     std::string FDirectory;
 };
 
-/// The bytes of an entry as they stand in the opened archive, compressed or not.
-void THtZIP::CopyStored(const TEntry& entry, TStream& target)
-{
-    FStream->SetPosition(DataStart(entry));
-    if (entry.Told.CompressedSize > 0)
-        target.CopyFrom(*FStream, entry.Told.CompressedSize);
-}
-
 void THtZIP::Save(TStream& target)
 {
     TWriter(*this, target).Run();
@@ -290,7 +326,7 @@ void THtZIP::Save(TStream& target)
 
 void THtZIP::SaveToFile(const String& fileName)
 {
-    TReplacement replacement(fileName);
+    TFileReplacement replacement(fileName);
     {
         TFileStream file(replacement.Beside(), fmOpenReadWrite);
         Save(file);

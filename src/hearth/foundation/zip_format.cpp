@@ -49,13 +49,18 @@ void Put64(std::string& bytes, std::uint64_t value)
     PutNumber(bytes, value, 8);
 }
 
-TDateTime FromDosTime(std::uint16_t date, std::uint16_t time)
+TDateTime FromDosTime(std::uint32_t value)
 {
+    const std::uint32_t date = value >> 16U;
+    const std::uint32_t time = value & 0xFFFFU;
+    const auto field = [](std::uint32_t word, unsigned shift, std::uint32_t mask) {
+        return static_cast<int>(word >> shift & mask);
+    };
     TDateTime day = 0;
     TDateTime clock = 0;
-    if (!TryEncodeDate(1980 + (date >> 9U), date >> 5U & 0xFU, date & 0x1FU, day))
+    if (!TryEncodeDate(1980 + field(date, 9, 0x7F), field(date, 5, 0xF), field(date, 0, 0x1F), day))
         return 0;
-    if (!TryEncodeTime(time >> 11U, time >> 5U & 0x3FU, (time & 0x1FU) * 2, 0, clock))
+    if (!TryEncodeTime(field(time, 11, 0x1F), field(time, 5, 0x3F), field(time, 0, 0x1F) * 2, 0, clock))
         return day;
     return day + clock;
 }
@@ -76,6 +81,26 @@ std::uint32_t ToDosTime(TDateTime value)
     const auto field = [](int number, unsigned shift) { return static_cast<std::uint32_t>(number) << shift; };
     return field(std::min(year, 2107) - 1980, 25) | field(month, 21) | field(day, 16) | field(hour, 11)
         | field(minute, 5) | field(second / 2, 0);
+}
+
+std::string WithoutLargeNumbers(std::string_view extra)
+{
+    std::string kept;
+    ForEachField(extra, [&kept](std::uint16_t id, std::string_view field) {
+        if (id == kExtra64)
+            return;
+        Put16(kept, id);
+        Put16(kept, field.size());
+        kept += field;
+    });
+    return kept;
+}
+
+std::int32_t TStringSink::Write(const void* buffer, std::int32_t count)
+{
+    detail::WithStorage(
+        [&] { Bytes.append(static_cast<const char*>(buffer), CheckedCast<std::size_t>(count)); });
+    return count;
 }
 
 void RaiseDamaged()

@@ -4,6 +4,7 @@
 
 #include <hearth/foundation/zip_archive.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,7 @@ namespace ht::zip {
 
 inline constexpr std::uint32_t kLocalSignature = 0x04034B50;
 inline constexpr std::uint32_t kCentralSignature = 0x02014B50;
+inline constexpr std::uint32_t kDescriptorSignature = 0x08074B50;
 inline constexpr std::uint32_t kEndSignature = 0x06054B50;
 inline constexpr std::uint32_t kEnd64Signature = 0x06064B50;
 inline constexpr std::uint32_t kLocator64Signature = 0x07064B50;
@@ -23,6 +25,7 @@ inline constexpr std::int64_t kEnd64Size = 56;
 inline constexpr std::int64_t kLocator64Size = 20;
 
 inline constexpr std::uint16_t kEncryptedFlag = 1U << 0U;
+inline constexpr std::uint16_t kDescriptorFlag = 1U << 3U; // checksum and sizes stand behind the data
 inline constexpr std::uint16_t kUtf8Flag = 1U << 11U;
 inline constexpr std::uint16_t kExtra64 = 1; // the extra field with 64-bit sizes
 
@@ -54,10 +57,34 @@ void Put16(std::string& bytes, std::uint64_t value);
 void Put32(std::string& bytes, std::uint64_t value);
 void Put64(std::string& bytes, std::uint64_t value);
 
-/// The date and time words of a record; 0 for what is no date.
-TDateTime FromDosTime(std::uint16_t date, std::uint16_t time);
+/// The date and time of a record, the date in the upper half; 0 for what is no date.
+TDateTime FromDosTime(std::uint32_t value);
 /// Years before 1980 and behind 2107 become the nearest that there is.
 std::uint32_t ToDosTime(TDateTime value);
+
+/// Calls `handle` with the number and the bytes of each field of a list, and all that there is of a last one
+/// that is cut off.
+template <class Handle> void ForEachField(std::string_view extra, Handle&& handle)
+{
+    constexpr std::size_t kHead = 4;
+    TByteReader reader(extra);
+    while (reader.Rest() >= kHead) {
+        const std::uint16_t id = reader.Take16();
+        const std::uint16_t size = reader.Take16();
+        handle(id, reader.Take(std::min<std::size_t>(size, reader.Rest())));
+    }
+}
+
+/// The fields but those of large numbers, which are made anew.
+std::string WithoutLargeNumbers(std::string_view extra);
+
+/// A stream into a string.
+class TStringSink final : public TStream {
+public:
+    std::int32_t Write(const void* buffer, std::int32_t count) override;
+
+    std::string Bytes;
+};
 
 [[noreturn]] void RaiseDamaged();
 
