@@ -131,8 +131,10 @@ std::string ZshText(const std::string& text)
 
 std::string ZshOption(const OptionDescription& option)
 {
-    if (option.IsArgument())
-        return InQuotes((option.Required ? ":" : "::") + option.Argument + ":" + ZshAction(option));
+    if (option.IsArgument()) {
+        const std::string count = option.Repeats ? "*:" : option.Required ? ":" : "::";
+        return InQuotes(count + option.Argument + ":" + ZshAction(option));
+    }
     std::string rest = "[" + ZshText(option.Text) + "]";
     if (!option.Argument.empty())
         rest += ":" + option.Argument + ":" + ZshAction(option);

@@ -84,7 +84,7 @@ std::string Usage(const CommandDescription& command)
     for (const OptionDescription& option : command.Options) {
         if (!option.IsArgument())
             continue;
-        const std::string name = Italic(option.Argument);
+        const std::string name = Italic(option.Argument) + (option.Repeats ? " ..." : "");
         line += option.Required ? " " + name : " [" + name + "]";
     }
     return line;

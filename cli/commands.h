@@ -17,6 +17,7 @@ void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
 void AddColor(CLI::App& hearth);
 void AddFetch(CLI::App& hearth);
+void AddZip(CLI::App& hearth);
 void AddCompletions(CLI::App& hearth);
 void AddMan(CLI::App& hearth);
 
@@ -33,6 +34,7 @@ inline constexpr void (*kCommands[])(CLI::App& hearth) = {
 #if defined(HEARTH_NET)
     AddFetch,
 #endif
+    AddZip,
     AddCompletions,
     AddMan,
 };

@@ -37,6 +37,7 @@ OptionDescription Describe(const CLI::Option& option)
     description.Text = text.substr(0, line);
     description.Details = line == std::string::npos ? "" : text.substr(line + 1);
     description.Required = option.get_required();
+    description.Repeats = option.get_expected_max() > 1;
     return description;
 }
 
@@ -51,7 +52,8 @@ void AddTo(std::vector<const CommandDescription*>& list, const CommandDescriptio
 
 bool OptionDescription::TakesFile() const
 {
-    return Values.empty() && (Argument == "INPUT" || Argument.find("FILE") != std::string::npos);
+    const bool isPlace = Argument == "INPUT" || Argument == "ARCHIVE" || Argument == "FOLDER";
+    return Values.empty() && (isPlace || Argument.find("FILE") != std::string::npos);
 }
 
 CommandDescription Describe(const CLI::App& app)

@@ -20,6 +20,7 @@ struct OptionDescription {
     std::string Text; // one line
     std::string Details; // further sentences, for pages with room
     bool Required = false;
+    bool Repeats = false; // takes any number of values
 
     bool IsArgument() const { return Names.empty(); }
     /// True when file names are what to offer.

@@ -3,6 +3,7 @@
 #include "errors.h"
 
 #include <hearth/runtime/exceptions.h>
+#include <hearth/runtime/streams.h>
 
 #include <cstdio>
 #include <exception>
@@ -45,6 +46,8 @@ int ReportException() noexcept
 {
     try {
         throw;
+    } catch (const ht::EFileStreamError& error) {
+        return Report(esFile, error.what());
     } catch (const ht::Exception& exception) {
         return ReportRefusal(exception);
     } catch (const UsageError& error) {

@@ -157,9 +157,9 @@ Page DecodePage(std::string_view bytes, const std::string& charset)
 
 }
 
-void Input::AddTo(CLI::App& command, const char* name)
+CLI::Option* Input::AddTo(CLI::App& command, const char* name)
 {
-    command.add_option(name, FPlace, "The file or address to read; - or nothing for standard input")
+    return command.add_option(name, FPlace, "The file or address to read; - or nothing for standard input")
         ->type_name("");
 }
 
@@ -189,6 +189,13 @@ Fetched Input::Read(std::size_t limit) const
     if (bytes.size() > kMaxBytes)
         file.Fail(EFBIG);
     return {std::move(bytes), {}};
+}
+
+std::string Input::File() const
+{
+    struct stat status { };
+    const bool isFile = FPlace && *FPlace != "-" && ::stat(FPlace->c_str(), &status) == 0;
+    return isFile && S_ISREG(status.st_mode) ? *FPlace : std::string();
 }
 
 std::string Input::ReadStart(std::size_t limit) const

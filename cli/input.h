@@ -10,6 +10,7 @@
 
 namespace CLI {
 class App;
+class Option;
 }
 
 namespace hearth_cli {
@@ -30,10 +31,12 @@ struct Fetched;
 class Input {
 public:
     /// Adds the argument that names the input. Lifetime: this object outlives the parsing.
-    void AddTo(CLI::App& command, const char* name = "INPUT");
+    CLI::Option* AddTo(CLI::App& command, const char* name = "INPUT");
     /// Adds --encoding.
     void AddEncodingTo(CLI::App& command);
 
+    /// The path when a file that can be read at any place is named; else empty.
+    std::string File() const;
     std::string ReadBytes() const;
     /// At most `limit` bytes from the start.
     std::string ReadStart(std::size_t limit) const;

@@ -44,11 +44,20 @@ std::string BegunCommand(const CLI::App& hearth)
     return name;
 }
 
+/// True when the last command that was named has commands of its own and none of them was named.
+bool IsIncomplete(const CLI::App& hearth)
+{
+    const CLI::App* command = &hearth;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().front();
+    return command->get_require_subcommand_min() > 0;
+}
+
 int RefuseCommandLine(const CLI::App& hearth, const CLI::ParseError& error)
 {
     std::string message = error.what();
-    if (hearth.get_subcommands().empty()) {
-        const std::vector<std::string> unknown = hearth.remaining();
+    if (IsIncomplete(hearth)) {
+        const std::vector<std::string> unknown = hearth.remaining(true);
         if (unknown.empty())
             return ShowHelp(hearth);
         message = "there is no command or option " + unknown.front();

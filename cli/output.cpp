@@ -107,8 +107,9 @@ private:
     std::string FPath;
 };
 
-void ReplaceFile(
-    const std::string& name, const struct stat* old, std::string_view bytes, std::string_view end)
+using Maker = std::function<void(const Output::Sink& sink)>;
+
+void ReplaceFile(const std::string& name, const struct stat* old, const Maker& make)
 {
     if (old && ::access(name.c_str(), W_OK) != 0)
         throw FileError(name, errno);
@@ -121,30 +122,28 @@ void ReplaceFile(
     OutputFile file(temporary.Path(), O_CREAT | O_EXCL, name);
     if (old)
         file.SetMode(old->st_mode);
-    file.Write(bytes);
-    file.Write(end);
+    make([&file](std::string_view bytes) { file.Write(bytes); });
     file.Close();
     temporary.RenameTo(target, name);
 }
 
-void WriteFile(const std::string& name, std::string_view bytes, std::string_view end)
+void WriteFile(const std::string& name, const Maker& make)
 {
     struct stat status { };
     const bool exists = ::stat(name.c_str(), &status) == 0;
     if (!exists || S_ISREG(status.st_mode))
-        return ReplaceFile(name, exists ? &status : nullptr, bytes, end);
+        return ReplaceFile(name, exists ? &status : nullptr, make);
     // A device or a pipe must not be replaced by a file.
     OutputFile file(name, 0, name);
-    file.Write(bytes);
-    file.Write(end);
+    make([&file](std::string_view bytes) { file.Write(bytes); });
     file.Close();
 }
 
 }
 
-void Output::AddTo(CLI::App& command)
+CLI::Option* Output::AddTo(CLI::App& command)
 {
-    command
+    return command
         .add_option(
             "-o,--output", FFile, "Write to a file, which is replaced only when all of the output was made")
         ->type_name("FILE");
@@ -152,20 +151,22 @@ void Output::AddTo(CLI::App& command)
 
 void Output::WriteText(std::string_view text) const
 {
-    Write(text, text.ends_with('\n') ? "" : "\n");
+    WriteBy([text](const Sink& sink) {
+        sink(text);
+        sink(text.ends_with('\n') ? "" : "\n");
+    });
 }
 
 void Output::WriteBytes(std::string_view bytes) const
 {
-    Write(bytes, "");
+    WriteBy([bytes](const Sink& sink) { sink(bytes); });
 }
 
-void Output::Write(std::string_view bytes, std::string_view end) const
+void Output::WriteBy(const Maker& make) const
 {
-    if (!FFile.empty() && FFile != "-")
-        return WriteFile(FFile, bytes, end);
-    WriteAll(STDOUT_FILENO, bytes, "standard output");
-    WriteAll(STDOUT_FILENO, end, "standard output");
+    if (IsFile())
+        return WriteFile(FFile, make);
+    make([](std::string_view bytes) { WriteAll(STDOUT_FILENO, bytes, "standard output"); });
 }
 
 }

@@ -10,6 +10,7 @@ import sys
 import tempfile
 import threading
 import unittest
+import zipfile
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from pathlib import Path
 
@@ -146,6 +147,16 @@ REFUSED = [
     (("encode", "--attr", "--url"), b"", 2, "--attr excludes --url"),
     (("completions",), b"", 2, "SHELL"),
     (("completions", "csh"), b"", 2, "csh not in {bash,zsh,fish}"),
+    (("zip", "list", "missing.zip"), b"", 3, "hearth: missing.zip: No such file or directory"),
+    (("zip", "list", "man"), b"", 1, "hearth: EHtZIP: The file is no ZIP archive"),
+    (("zip", "get", "man"), b"", 1, "hearth: EHtZIP: The file is no ZIP archive"),
+    (("zip", "make", "new.zip", "missing"), b"", 3, "hearth: missing: No such file or directory"),
+    (("zip", "make", "new.zip", "/dev/null"), b"", 3, "hearth: /dev/null: neither a file nor a folder"),
+    (("zip", "make", "new.zip", "man", "./man"), b"", 1, "hearth: ./man: a file before has the name man"),
+    (("zip", "make", "missing/new.zip", "man"), b"", 3, "hearth: missing/new.zip: No such file or directory"),
+    (("zip", "make", "new.zip"), b"", 2, "FILE"),
+    (("zip", "burn"), b"", 2, "there is no command or option burn\nTry: hearth zip --help"),
+    (("zip",), b"", 2, "Usage: hearth zip [OPTIONS] COMMAND"),
     (("burn",), b"", 2, "there is no command or option burn"),
     (("--burn",), b"", 2, "there is no command or option --burn"),
     ((), b"", 2, "Usage: hearth"),
@@ -157,6 +168,14 @@ def run(arguments, given=b"", **options):
 
 
 HAS_NET = b"\n  fetch " in run(("--help",)).stdout
+
+
+def commands(above=()):
+    """The commands of the help, each in front of those below it."""
+    listed = run((*above, "--help")).stdout.decode().partition("\nCommands:\n")[2].partition("\n\n")[0]
+    for name in re.findall(r"^  (\w+) ", listed, re.MULTILINE):
+        yield (*above, name)
+        yield from commands((*above, name))
 
 
 def shell(line, **options):
@@ -267,6 +286,124 @@ class Files(InFolder):
         self.assertEqual(shell("hearth html -o /dev/stdout | cat").stdout, "<body></body>\n")
 
 
+class Archives(InFolder):
+    def make(self, *entries, name="a.zip"):
+        with zipfile.ZipFile(self.folder / name, "w") as archive:
+            for entry, contents in entries:
+                info = zipfile.ZipInfo(entry, (2024, 2, 29, 12, 30, 58))
+                archive.writestr(info, contents, zipfile.ZIP_DEFLATED)
+        return (self.folder / name).read_bytes()
+
+    def run_zip(self, *arguments, given=b""):
+        done = run(("zip", *arguments), given, cwd=self.folder)
+        return done.stdout, done.stderr.decode(), done.returncode
+
+    def refuse(self, message, status, *arguments):
+        printed, said, ended = self.run_zip(*arguments)
+        self.assertEqual((printed, ended), (b"", status), said)
+        self.assertIn(message, said)
+
+    def files(self, folder):
+        return {str(path.relative_to(self.folder / folder)): path.read_bytes()
+                for path in (self.folder / folder).rglob("*") if path.is_file()}
+
+    def test_a_list_tells_what_the_directory_does(self):
+        whole = self.make(("gr\u00f6\u00dfe/\n", b""), ("b c", b"x" * 5000), ("method", b""), ("locked", b""))
+        at = whole.rfind(b"method") - 46
+        whole = whole[:at + 10] + b"\x0c\0\xff\xff\xff\xff" + whole[at + 16:]
+        at = whole.rfind(b"locked") - 46
+        whole = whole[:at + 8] + b"\1" + whole[at + 9:]
+        small = re.search(rb"5000 (\d+) ", self.run_zip("list", given=whole)[0])[1].decode()
+        expected = ('0 2 deflated 2024-02-29T12:30:58 "gr\u00f6\u00dfe/\\n"\n'
+                    f'5000 {small} deflated 2024-02-29T12:30:58 "b c"\n'
+                    '0 2 12 - "method"\n'
+                    '0 2 deflated+encrypted 2024-02-29T12:30:58 "locked"\n')
+        self.assertEqual(self.run_zip("list", given=whole), (expected.encode(), "", 0))
+        (self.folder / "a.zip").write_bytes(whole)
+        self.refuse("is encrypted", 1, "get", "a.zip", "locked")
+        self.refuse("by an unknown method", 1, "get", "a.zip", "method")
+
+    def test_entries_go_where_they_are_told(self):
+        whole = self.make(("pages/a", b"one\r\n\0"), ("pages/deep/b", b"two"), ("pages/empty/", b""), ("pagesc", b"three"))
+        one = b"one\r\n\0"
+        self.assertEqual(self.run_zip("get", "a.zip", "pages/a"), (one, "", 0))
+        self.assertEqual(self.run_zip("get", "-", "pages/a", given=whole), (one, "", 0))
+        self.assertEqual(self.run_zip("get", "a.zip", "pages/a", "-o", "man"), (b"", "", 0))
+        self.assertEqual((self.folder / "man").read_bytes(), one)
+        self.assertEqual(self.run_zip("get", "a.zip", "--to", "x/all"), (b"", "", 0))
+        self.assertEqual(self.files("x/all"), {"pages/a": one, "pages/deep/b": b"two", "pagesc": b"three"})
+        self.assertTrue((self.folder / "x/all/pages/empty").is_dir())
+        for names in (("pages",), ("pages/", "pages/a")):
+            with self.subTest(names):
+                self.assertEqual(self.run_zip("get", "a.zip", *names, "--to", "part"), (b"", "", 0))
+                self.assertEqual(sorted(self.files("part")), ["pages/a", "pages/deep/b"])
+        for names, message in (((), "name one entry"), (("pages/a", "pagesc"), "name one entry")):
+            self.refuse(message, 2, "get", "a.zip", *names)
+        self.refuse("--to excludes", 2, "get", "a.zip", "--to", "x", "-o", "y")
+        self.refuse("hearth: pages/empty is a folder", 1, "get", "a.zip", "pages/empty")
+        self.refuse("hearth: pages is a folder", 1, "get", "a.zip", "pages")
+        self.refuse("hearth: there is no entry page", 1, "get", "a.zip", "page")
+        self.refuse("hearth: there is no entry b", 1, "get", "a.zip", "pages", "b", "--to", "none")
+        self.refuse('hearth: Cannot create folder "man/pages"', 3, "get", "a.zip", "--to", "man")
+        self.assertFalse((self.folder / "none").exists())
+
+    def test_nothing_leaves_the_folder(self):
+        for name in ("../x", "a/../../x", "/x", "c:x", "a\\..\\x"):
+            with self.subTest(name):
+                self.make(("first", b"1"), (name, b"2"))
+                self.refuse("has an unsafe name", 1, "get", "a.zip", "--to", "out")
+                self.assertEqual(self.run_zip("get", "a.zip", name), (b"2", "", 0))
+        (self.folder / "linked").mkdir()
+        (self.folder / "linked/away").symlink_to(self.folder / "folder")
+        self.make(("away/x", b"1"))
+        self.refuse('Entry "away/x" leads through a link', 1, "get", "a.zip", "--to", "linked")
+        self.assertEqual((self.files("folder"), (self.folder / "out").exists()), ({}, False))
+
+    def test_damage_is_found_before_anything_is_printed(self):
+        whole = self.make(("a", os.urandom(200000)))
+        (self.folder / "a.zip").write_bytes(whole[:100000] + bytes([whole[100000] ^ 1]) + whole[100001:])
+        self.refuse('EHtZIP: Entry "a"', 1, "get", "a.zip", "a")
+        self.refuse('EHtZIP: Entry "a"', 1, "get", "a.zip", "a", "-o", "man")
+        self.assertEqual((self.folder / "man").read_text(encoding="utf-8"), "manual")
+        (self.folder / "a.zip").write_bytes(whole[:100000])
+        self.refuse("EHtZIP: The file is no ZIP archive", 1, "get", "a.zip", "a")
+        self.make(("bomb", bytes(8 << 20)))
+        for target in ((), ("--to", "out")):
+            self.refuse("more than the limit of 200 times", 1, "get", "a.zip", "bomb", *target)
+        self.assertEqual(self.files("out"), {})
+        self.assertEqual(len(self.run_zip("get", "a.zip", "bomb", "--any-ratio")[0]), 8 << 20)
+
+    def test_an_archive_is_made_in_the_same_order_each_time(self):
+        for name in ("tree/b/2", "tree/b/1", "tree/a", "tree/B", "tree/c/"):
+            path = self.folder / name
+            (path if name.endswith("/") else path.parent).mkdir(parents=True, exist_ok=True)
+            if not name.endswith("/"):
+                path.write_text(name * 99, encoding="utf-8")
+        (self.folder / "tree/d").symlink_to("b")
+        expected = ["man", "tree/B", "tree/a", "tree/b/1", "tree/b/2", "tree/c/", "tree/d/1", "tree/d/2"]
+        arguments = ("make", "new.zip", "man", self.folder / "tree/")
+        for _ in range(2):
+            self.assertEqual(self.run_zip(*arguments), (b"", "", 0))
+            with zipfile.ZipFile(self.folder / "new.zip") as archive:
+                self.assertEqual((archive.namelist(), archive.testzip()), (expected, None))
+                self.assertEqual(archive.read("tree/a"), b"tree/a" * 99)
+                self.assertEqual(archive.getinfo("tree/a").compress_type, zipfile.ZIP_DEFLATED)
+        printed = self.run_zip("make", "-", "--stored", ".")[0]
+        self.assertEqual(self.run_zip("get", "-", "tree/a", given=printed), (b"tree/a" * 99, "", 0))
+        self.assertIn(b'594 594 stored ', self.run_zip("list", given=printed)[0])
+        self.assertEqual(self.run_zip("make", "tree/own.zip", "tree")[2], 0)
+        size = (self.folder / "tree/own.zip").stat().st_size
+        self.assertEqual(self.run_zip("make", "tree/own.zip", "tree")[2], 0)  # without itself
+        self.assertEqual((self.folder / "tree/own.zip").stat().st_size, size)
+        (self.folder / "tree/b/up").symlink_to("..")
+        self.refuse("hearth: tree/b/up: Too many levels of symbolic links", 3, "make", "new.zip", "tree")
+        (self.folder / "tree/b/up").unlink()
+        (self.folder / "tree/b\\1").touch()
+        self.refuse("archives keep no such name", 1, "make", "new.zip", "tree")
+        with zipfile.ZipFile(self.folder / "new.zip") as archive:
+            self.assertEqual(archive.namelist(), expected)
+
+
 @unittest.skipUnless(HAS_NET, "built without the HTTP client")
 class Addresses(InFolder):
     def setUp(self):
@@ -345,8 +482,8 @@ class Surroundings(InFolder):
         script = self.folder / "hearth.bash"
         self.assertEqual(run(("completions", "bash", "-o", script)).returncode, 0)
         for words, expected in (("h", "html"), ("html --as fo", "formatted"), ("html --fr", "--fragment"),
-                                ("completions z", "zsh"), ("html man", ""),
-                                ("color --as c", "css")):
+                                ("completions z", "zsh"), ("html man", ""), ("zip li", "list"),
+                                ("zip get --an", "--any-ratio"), ("color --as c", "css")):
             with self.subTest(words):
                 typed = ["hearth", *words.split()]
                 done = shell(f"source {script}; COMP_WORDS=({' '.join(typed)}); COMP_CWORD={len(typed) - 1}; "
@@ -354,12 +491,12 @@ class Surroundings(InFolder):
                 self.assertEqual((done.stdout, done.stderr), (expected + "\n", ""))
 
     def test_every_command_is_in_the_manual_and_in_all_completions(self):
-        commands = re.findall(r"^  (\w+) ", run(("--help",)).stdout.decode().partition("Commands:")[2], re.MULTILINE)
-        self.assertIn("html", commands)
+        found = list(commands())
+        self.assertIn(("zip", "get"), found)
         for made in (("man",), ("completions", "bash"), ("completions", "zsh"), ("completions", "fish")):
             text = run(made).stdout.decode()
-            for command in commands:
-                self.assertRegex(text, rf"\b{command}\b", made)
+            for command in found:
+                self.assertRegex(text, rf"\b{command[-1]}\b", made)
 
     def test_version_is_that_of_the_library(self):
         version = re.search(r'HEARTH_VERSION "(.*)"', (PROJECT / "src/hearth/version.h").read_text(encoding="utf-8"))
@@ -370,9 +507,9 @@ class Examples(unittest.TestCase):
     def test_examples_print_what_they_say(self):
         server = serve(self)
         texts = {"docs/cli.md": (PROJECT / "docs/cli.md").read_text(encoding="utf-8")}
-        commands = re.findall(r"^  (\w+) ", run(("--help",)).stdout.decode().partition("Commands:")[2], re.MULTILINE)
-        for command in commands:
-            texts[f"hearth {command} --help"] = run((command, "--help")).stdout.decode().partition("Example:\n")[2]
+        for command in commands():
+            help_text = run((*command, "--help")).stdout.decode()
+            texts[f"hearth {' '.join(command)} --help"] = help_text.partition("Example:\n")[2]
         for place, text in texts.items():
             found = list(examples(text))
             self.assertTrue(found, f"{place} shows no example")
