@@ -13,6 +13,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <thread>
 
 namespace ht {
@@ -174,6 +175,21 @@ TEST(http_client, clients_of_two_threads_do_not_meet)
     std::thread second(work, u"second"_s);
     first.join();
     second.join();
+}
+
+TEST(http_client, broken_pipes_concern_the_program_again_behind_a_call)
+{
+    const auto isBlocked = [] {
+        sigset_t set;
+        return pthread_sigmask(SIG_BLOCK, nullptr, &set) == 0 && sigismember(&set, SIGPIPE) == 1;
+    };
+    const EchoServer server(1);
+    THtInetClient client;
+    client.SecurityPolicy = spStrict;
+    EXPECT_EQ(client.Get(server.Address() + u"a"), u"/a");
+    EXPECT_FALSE(isBlocked());
+    EXPECT_THROW(client.Get(u"http://127.0.0.1:1/"_s), EHtInetException);
+    EXPECT_FALSE(isBlocked());
 }
 
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/platform/http_client.h>
 
+#include <hearth/platform/pipe_signal_p.h>
 #include <hearth/platform/transport_curl_p.h>
 
 #include <algorithm>
@@ -26,6 +27,7 @@ public:
     }
 
 private:
+    const detail::PipeSignalBlock FQuiet; // one for all steps of the call
     const std::unique_ptr<detail::InetRequest>& FRequest;
 };
 

@@ -87,6 +87,7 @@ public:
     String CertificateStore;
     String CertificatePassword;
     /// Asked before a redirect is followed, with its absolute address; false ends the call with an error.
+    /// SIGPIPE of the thread is held back meanwhile.
     std::function<bool(const String& address)> OnRedirect;
 
 private:

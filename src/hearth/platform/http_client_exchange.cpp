@@ -15,6 +15,8 @@ namespace {
 constexpr std::size_t kSchemeUnits = 5;
 constexpr std::int64_t kStrictBody = THtLimits{}.HttpBody;
 constexpr std::int32_t kStrictRedirects = THtLimits{}.HttpRedirects;
+/// Bytes for which room is made because a server said that so many come. What is not touched costs nothing.
+constexpr std::int64_t kMaxReserved = std::int64_t{256} << 20U;
 /// Bytes of a redirect's own body that are read to save a connection.
 constexpr std::int64_t kSmallBody = std::int64_t{64} << 10U;
 
@@ -241,8 +243,10 @@ TBytes THtInetClient::ReadBody(detail::InetRequest& request) const
         if (limit > 0 && size > limit)
             throw EHtInetException(Format(u"The body is longer than %d bytes, the limit HttpBody", {limit}));
     };
-    check(request.ContentLength());
+    const std::int64_t length = request.ContentLength();
+    check(length);
     TBytes bytes;
+    bytes.Reserve(static_cast<std::int32_t>(std::clamp<std::int64_t>(length, 0, kMaxReserved)));
     while (request.ReadData(bytes))
         check(static_cast<std::int64_t>(bytes.size()));
     return bytes;

@@ -16,6 +16,9 @@ sigset_t PipeSignal() noexcept
     return set;
 }
 
+/// True while this thread has a block.
+thread_local bool isBlocked = false;
+
 bool IsPending() noexcept
 {
     sigset_t pending;
@@ -25,14 +28,21 @@ bool IsPending() noexcept
 }
 
 PipeSignalBlock::PipeSignalBlock() noexcept
-    : FWasPending(IsPending())
+    : FIsInner(isBlocked)
 {
+    if (FIsInner)
+        return;
+    isBlocked = true;
+    FWasPending = IsPending();
     const sigset_t pipe = PipeSignal();
     pthread_sigmask(SIG_BLOCK, &pipe, &FOld);
 }
 
 PipeSignalBlock::~PipeSignalBlock()
 {
+    if (FIsInner)
+        return;
+    isBlocked = false;
     const timespec now{};
     const sigset_t pipe = PipeSignal();
     if (!FWasPending && IsPending())

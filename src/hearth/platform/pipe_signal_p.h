@@ -7,7 +7,7 @@
 namespace ht::detail {
 
 /// While it lives, SIGPIPE of this thread is held back; one that came is forgotten at the end. The handlers
-/// of the program stay as they are.
+/// of the program stay as they are. One inside of another does nothing.
 class PipeSignalBlock {
 public:
     PipeSignalBlock() noexcept;
@@ -17,6 +17,7 @@ public:
 
 private:
     sigset_t FOld;
+    bool FIsInner;
     bool FWasPending = false;
 };
 

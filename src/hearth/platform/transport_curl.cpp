@@ -15,6 +15,9 @@ namespace {
 /// Heads before the real one, and lines behind the body, count too.
 constexpr std::size_t kMaxHeadBytes = std::size_t{256} << 10U;
 
+/// What is taken from the system at once.
+constexpr long kBufferBytes = 512L << 10U;
+
 class Session {
 public:
     Session()
@@ -94,6 +97,7 @@ InetRequest::InetRequest(InetConnection& connection, std::string verb)
     SetOption(FHandle, CURLOPT_HEADERDATA, this);
     SetOption(FHandle, CURLOPT_WRITEFUNCTION, &InetRequest::TakeBody);
     SetOption(FHandle, CURLOPT_WRITEDATA, this);
+    SetOption(FHandle, CURLOPT_BUFFERSIZE, kBufferBytes);
     SetOption(FHandle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     SetOption(FHandle, CURLOPT_PROTOCOLS_STR, "http,https");
     const char* authorities = nullptr;
@@ -111,7 +115,17 @@ InetRequest::~InetRequest()
 
 void InetRequest::SetRules(const TransferRules& rules)
 {
+    if (FHasRules && rules == FRules) // most calls: each of the options below is copied
+        return;
+    FHasRules = false;
     FRules = rules;
+    SetOptions();
+    FHasRules = true;
+}
+
+void InetRequest::SetOptions()
+{
+    const TransferRules& rules = FRules;
     const bool verified = rules.Trust == TransferRules::trVerified;
     SetOption(FHandle, CURLOPT_SSL_VERIFYPEER, verified ? 1L : 0L);
     SetOption(FHandle, CURLOPT_SSL_VERIFYHOST, verified ? 2L : 0L);
@@ -254,9 +268,8 @@ std::size_t InetRequest::TakeBody(char* bytes, std::size_t size, std::size_t cou
     InetRequest& self = *static_cast<InetRequest*>(request);
     try {
         ++self.FPieces;
-        const std::size_t old = self.FPending.size();
-        self.FPending.SetLength(CheckedLength(old + size * count));
-        std::copy_n(bytes, size * count, self.FPending.data() + old);
+        TBytes& target = self.FTarget ? *self.FTarget : self.FPending;
+        target.Append({reinterpret_cast<const std::uint8_t*>(bytes), size * count});
         return size * count;
     } catch (...) {
         self.FRaised = std::current_exception();

@@ -191,24 +191,41 @@ bool InetRequest::Receive()
     return FFailure == ifNone;
 }
 
+namespace {
+
+/// Lets the body go to an array until the end of the scope.
+class TargetOfBody {
+public:
+    TargetOfBody(TBytes*& target, TBytes& bytes) noexcept
+        : FTarget(target)
+    {
+        FTarget = &bytes;
+    }
+    TargetOfBody(const TargetOfBody&) = delete;
+    TargetOfBody& operator=(const TargetOfBody&) = delete;
+    ~TargetOfBody() { FTarget = nullptr; }
+
+private:
+    TBytes*& FTarget;
+};
+
+}
+
 bool InetRequest::ReadData(TBytes& bytes)
 {
-    Drive([this] { return !FPending.IsEmpty(); });
-    if (FPending.IsEmpty()) {
-        if (FFailure != ifNone)
-            Raise();
-        return false;
-    }
-    if (bytes.IsEmpty()) {
-        bytes = std::move(FPending);
-        FPending = {};
-        return true;
-    }
-    const std::size_t size = bytes.size();
-    bytes.SetLength(CheckedLength(size + FPending.size()));
-    std::copy(FPending.begin(), FPending.end(), bytes.data() + size);
+    bytes.Append(FPending);
+    const bool hadSome = !FPending.IsEmpty();
     FPending.Clear();
-    return true;
+    if (hadSome)
+        return true;
+    const std::size_t old = bytes.size();
+    const TargetOfBody target(FTarget, bytes);
+    Drive([&bytes, old] { return bytes.size() > old; });
+    if (bytes.size() > old)
+        return true;
+    if (FFailure != ifNone)
+        Raise();
+    return false;
 }
 
 }

@@ -36,6 +36,8 @@ struct TransferRules {
     ProtocolRule Protocol = prFromTls10;
     std::int32_t TimeOut = 0; // milliseconds without a byte sent or received; 0 is the default
     String TrustedCertificates; // file of authorities; the system's when empty
+
+    bool operator==(const TransferRules&) const = default;
 };
 
 /// What is asked of a server.
@@ -123,6 +125,8 @@ private:
     std::int64_t TimeLeft();
     void TakeResult();
     THtInetFailure FailureOf(int code) const;
+    /// Those of the rules.
+    void SetOptions();
     void SetHeaders(const HeaderLines& lines);
     void SetCall(const InetCall& call);
     void TakeHeadLine(std::string_view line);
@@ -133,6 +137,7 @@ private:
     CURL* FHandle;
     curl_slist* FHeaders = nullptr;
     TransferRules FRules;
+    bool FHasRules = false;
     std::string FSystemAuthorities;
     bool FRunning = false;
     bool FFinished = false;
@@ -141,7 +146,8 @@ private:
     String FFailureText;
     std::exception_ptr FRaised; // in a callback, which must not throw
     std::string FLocation;
-    TBytes FPending;
+    TBytes FPending; // of the body, before anybody reads
+    TBytes* FTarget = nullptr; // where the body goes while somebody does
     std::uint64_t FPieces = 0;
     std::size_t FHeadBytes = 0;
     Progress FProgress;

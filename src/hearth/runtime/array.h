@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -68,6 +69,12 @@ public:
             Grow();
         FItems.push_back(std::move(item));
         return index;
+    }
+    /// Appends copies of items, which are not its own.
+    void Append(std::span<const T> items)
+    {
+        CheckedLength(FItems.size() + items.size());
+        detail::WithStorage([&] { FItems.insert(FItems.end(), items.begin(), items.end()); });
     }
     /// Puts `item` in front of `index`, which may be the length.
     void Insert(std::int32_t index, T item)
