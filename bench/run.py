@@ -1,11 +1,15 @@
 # Runs the measuring programs, engine by engine and round by round, and prints one table a group.
 # SPDX-License-Identifier: MIT
 import argparse
+import contextlib
 import json
 import os
+import shutil
+import socket
 import statistics
 import subprocess
 import sys
+import time
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -31,6 +35,7 @@ ENGINES = {
     "html": ("hearth", "libxml2", "gumbo"),
     "xml": ("hearth", "libxml2", "pugixml"),
     "json": ("hearth", "rapidjson", "nlohmann"),
+    "http": ("hearth", "libcurl"),
 }
 OURS = "hearth"
 
@@ -54,6 +59,8 @@ GOALS = {
     "name found": {"std": (1.3, 1.3), "abseil": (1, 1)},
     "name missed": {"std": (1.4, 1.4), "abseil": (1, 1)},
     "name inserted": {"std": (2.5, 2.5), "abseil": (1.4, 1.4)},
+    "GET of 1 KB": {"libcurl": (1, 1)},
+    "GET of 100 MB": {"libcurl": (1, 1)},
     "pieces appended": {"std": (1, 1)},
     "pieces assembled": {"std": (1, 1)},
 }
@@ -232,6 +239,98 @@ def measure_micro(runner, program, title, unit, convert, less_is_better=False):
     show(title, list(rows.values()))
 
 
+# The server of the HTTP rows, with nothing of the system's own configuration.
+NGINX_FOLDER = PROJECT / "build/bench_data/nginx"
+NGINX_FILES = {"small": 1 << 10, "large": 100 << 20}
+NGINX_CONF = """
+daemon off;
+worker_processes 1;
+{user}
+pid nginx.pid;
+error_log stderr error;
+events {{ worker_connections 64; }}
+http {{
+    access_log off;
+    sendfile on;
+    keepalive_requests 1000000000;
+    client_body_temp_path temporary;
+    proxy_temp_path temporary;
+    fastcgi_temp_path temporary;
+    uwsgi_temp_path temporary;
+    scgi_temp_path temporary;
+    server {{
+        listen 127.0.0.1:{port};
+        root {folder};
+    }}
+}}
+"""
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def answers(port):
+    with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", port), timeout=1):
+        return True
+    return False
+
+
+@contextlib.contextmanager
+def nginx():
+    """The address of a server of files, stopped at the end; None where there is none."""
+    program = shutil.which("nginx", path=os.environ.get("PATH", "") + ":/usr/sbin")
+    if program is None:
+        print("run.py: no nginx here, so HTTP is not measured", file=sys.stderr)
+        yield None
+        return
+    NGINX_FOLDER.mkdir(parents=True, exist_ok=True)
+    for name, size in NGINX_FILES.items():
+        file = NGINX_FOLDER / name
+        if not file.exists() or file.stat().st_size != size:
+            file.write_bytes(os.urandom(1 << 10) * (size >> 10))
+    port = free_port()
+    configuration = NGINX_FOLDER / "nginx.conf"
+    # Started by root it would read the files as somebody who may not come here.
+    user = "user root;" if os.getuid() == 0 else ""
+    configuration.write_text(NGINX_CONF.format(user=user, port=port, folder=NGINX_FOLDER))
+    server = subprocess.Popen([program, "-p", NGINX_FOLDER, "-c", configuration, "-e", "stderr"])
+    try:
+        deadline = time.monotonic() + 10
+        while server.poll() is None and not answers(port) and time.monotonic() < deadline:
+            time.sleep(0.02)
+        yield f"http://127.0.0.1:{port}" if server.poll() is None and answers(port) else None
+    finally:
+        server.terminate()
+        server.wait()
+
+
+def measure_http(runner):
+    """One process for each client, body and round, all from the same server."""
+    rows = {
+        "small": Row("GET of 1 KB", "1/s"),
+        "large": Row("GET of 100 MB", "MB/s"),
+        "small processor": Row("GET of 1 KB, processor", "us", less_is_better=True),
+        "large processor": Row("GET of 100 MB, processor", "ms", less_is_better=True),
+    }
+    with nginx() as address:
+        for _ in range(runner.rounds if address else 0):
+            for size in NGINX_FILES:
+                for engine in ENGINES["http"]:
+                    if not runner.has(f"bench_http_{engine}"):
+                        continue
+                    found = runner.read(f"bench_http_{engine}", size, f"{address}/{size}")
+                    if size == "small" and found:
+                        rows["small"].add(engine, found["requests"] / found["seconds"])
+                        rows["small processor"].add(engine, found["processor"] / found["requests"] * 1e6)
+                    elif found:
+                        rows["large"].add(engine, found["bytes"] / found["seconds"] / 1e6)
+                        rows["large processor"].add(engine, found["processor"] * 1e3)
+    show("HTTP over the loopback", list(rows.values()))
+
+
 def shortest(results):
     return min(result["cpu_time"] for result in results)
 
@@ -262,6 +361,7 @@ GROUPS = {
                                                lambda n: 1e9 / n, less_is_better=True),
     "fast_string": lambda runner: measure_micro(runner, "fast_string_micro", "text put together", "Munits/s",
                                                 lambda n: n / 1e6),
+    "http": measure_http,
     "hostile": measure_growth,
 }
 
