@@ -115,6 +115,8 @@ TEST_F(XPath, predicates)
         {u"*['x']", "a e"},
         {u"*[@x='it 1' and  b]", "e"},
         {u"*[]", "a e"},
+        {u"*[ ]", ""}, // a condition without an operand never holds
+        {u"*[ i ]", "a"},
         {u"div[/b]", "a"},
     };
     for (const auto& row : rows)

@@ -80,21 +80,23 @@ public:
     {
     }
 
-    /// False at the end of the text.
-    bool Read(TXCondition& condition)
+    bool AtEnd() const noexcept { return FText.empty(); }
+
+    /// Reads one condition and the blanks behind it; of blanks alone one that never holds.
+    TXCondition Read()
     {
+        TXCondition condition;
         SkipBlanks();
-        if (FText.empty())
-            return false;
         condition.Op = ReadBoolOp();
         SkipBlanks();
         ReadOperand(condition.left, condition.leftstr, condition.leftattr);
         SkipBlanks();
         if (!ReadOperator(condition.ctype))
-            return true;
+            return condition;
         SkipBlanks();
         ReadOperand(condition.right, condition.rightstr, condition.rightattr);
-        return true;
+        SkipBlanks();
+        return condition;
     }
 
 private:
@@ -230,10 +232,8 @@ void TXPathProcessor::ParseConditions(std::u16string_view s, TXPathNode& PN)
         return;
     }
     TConditionReader reader(s);
-    while (reader.Read(condition)) {
-        PN.Conditions.Add(condition);
-        condition = {};
-    }
+    while (!reader.AtEnd())
+        PN.Conditions.Add(reader.Read());
 }
 
 }
