@@ -4,6 +4,7 @@
 #include <hearth/markup/html_error.h>
 #include <hearth/markup/xpath.h>
 #include <markup/trees.h>
+#include <runtime/messages.h>
 
 #include <string>
 
@@ -207,6 +208,13 @@ TEST(XPathHostile, predicates_nest_up_to_the_limit)
     THtmlNode small;
     Nest(small, 5);
     EXPECT_EQ(small.XPath(Repeated(u"a[", 100'000))->Count(), 0);
+    // Where the host sets no limit the stack still does.
+    Nest(root, 1'200);
+    TXPathProcessor processor(Repeated(u"a[", 1'200));
+    processor.Limits.XPathPredicateDepth = 0;
+    THtNodeList found;
+    EXPECT_EQ(MessageOf<EHtmlParserException>([&] { root.InternalXPath(processor.Nodes[0], &found, false); }),
+        u"XPath predicates are nested more than 1024 deep");
 }
 
 TEST(XPathHostile, odd_texts_compile)

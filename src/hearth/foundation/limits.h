@@ -8,9 +8,10 @@
 
 namespace ht {
 
-/// One bound for each way in which a format, a script or a transfer could grow without end; 0 means no bound.
-/// A bound that is hit raises the exception of the subsystem, which names it. Readers take their copy when
-/// they are made. The depth of HTML trees is fixed and not in this record.
+/// One bound for each way in which a format, a script or a transfer could grow without end; 0 means no bound
+/// but those that readers fix themselves where each level costs stack. A bound that is hit raises the
+/// exception of the subsystem, which names it. Readers take their copy when they are made. The depth of HTML
+/// trees is fixed and not in this record.
 struct THtLimits {
     std::int32_t XmlDepth = 1024; // nested elements
     std::int32_t JsonDepth = 1024; // nested objects and arrays

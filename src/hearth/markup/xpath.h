@@ -68,6 +68,9 @@ public:
     static constexpr TClassInfo kClassInfo{u"TXPathProcessor", &TObject::kClassInfo};
     const TClassInfo& ClassInfo() const override { return kClassInfo; }
 
+    /// Predicates nest no deeper than this, whatever the limits allow: each level costs stack.
+    static constexpr std::int32_t kMaxPredicateDepth = 1024;
+
     explicit TXPathProcessor(std::u16string_view path);
     TXPathProcessor(const TXPathProcessor&) = delete;
     TXPathProcessor& operator=(const TXPathProcessor&) = delete;

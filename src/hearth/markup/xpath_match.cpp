@@ -7,9 +7,11 @@
 #include <hearth/runtime/text_format.h>
 #include <hearth/runtime/text_number.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 namespace ht {
 
@@ -431,8 +433,10 @@ TQuestion::TOperandPath& TQuestion::PathOf(const String& operand, TXPathAim aim)
 TQuestion::TDepth::TDepth(TQuestion& question)
     : FQuestion(question)
 {
-    const std::int32_t limit = question.FLimits.XPathPredicateDepth;
-    if (limit > 0 && question.FDepth >= limit)
+    const std::int32_t allowed = question.FLimits.XPathPredicateDepth;
+    const std::int32_t most = TXPathProcessor::kMaxPredicateDepth;
+    const std::int32_t limit = allowed > 0 ? std::min(allowed, most) : most;
+    if (question.FDepth >= limit)
         throw EHtmlParserException(Format(u"XPath predicates are nested more than %d deep", {limit}));
     ++question.FDepth;
 }
