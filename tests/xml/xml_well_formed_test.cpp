@@ -1,6 +1,7 @@
 // The well-formedness test: what it says, how the readers use it, and the public conformance suite.
 // SPDX-License-Identifier: MIT
 #include <hearth/runtime/streams.h>
+#include <hearth/runtime/text_number.h>
 #include <hearth/xml/htxml.h>
 #include <markup/hostile.h>
 #include <markup/trees.h>
@@ -120,9 +121,19 @@ TEST(xml_well_formed, entities_are_looked_into)
     OnSmallStack([&document] { EXPECT_EQ(Fault(document), u""); });
     THtLimits limits = HtLimits();
     limits.XmlDepth = 499;
-    EXPECT_TRUE(MessageOf<EHtXML>([&] { CheckWellFormed(document, limits); })
-                    .View()
-                    .ends_with(u": too many nested entities"));
+    const auto message = [&limits](const String& text) {
+        return MessageOf<EHtXML>([&] { CheckWellFormed(text, limits); });
+    };
+    EXPECT_TRUE(message(document).View().ends_with(u": too many nested entities"));
+    // Where the host sets no limit the stack still does.
+    limits.XmlDepth = 0;
+    std::u16string chain = u"<!DOCTYPE a [<!ENTITY e0 ''>";
+    constexpr std::int64_t kLinks = 50'000 / kScale;
+    for (std::int64_t i = 1; i < kLinks; ++i)
+        chain += Concat({u"<!ENTITY e", IntToStr(i), u" '&e", IntToStr(i - 1), u";'>"}).View();
+    chain += Concat({u"]><a>&e", IntToStr(kLinks - 1), u";</a>"}).View();
+    OnSmallStack(
+        [&] { EXPECT_TRUE(message(String(chain)).View().ends_with(u": too many nested entities")); });
 }
 
 TEST(xml_well_formed, cost_grows_with_the_text)

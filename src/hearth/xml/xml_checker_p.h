@@ -7,6 +7,7 @@
 #include <hearth/foundation/limits.h>
 #include <hearth/runtime/array.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,9 +19,12 @@ namespace ht {
 /// Checks one document. xml_well_formed.cpp walks elements and references, xml_doctype.cpp the document type.
 class TXMLChecker {
 public:
+    /// Entities nest no deeper than this, whatever the limits allow: each level costs stack.
+    static constexpr std::int32_t kMaxEntityDepth = 1024;
+
     TXMLChecker(std::u16string_view document, const THtLimits& limits)
         : FDocument(document)
-        , FMaxDepth(limits.XmlDepth)
+        , FMaxDepth(limits.XmlDepth > 0 ? std::min(limits.XmlDepth, kMaxEntityDepth) : kMaxEntityDepth)
     {
     }
 
@@ -93,7 +97,7 @@ private:
     void CheckEnumerated(TXMLScanner& scanner, std::u16string_view (TXMLScanner::*item)());
 
     std::u16string_view FDocument;
-    std::int32_t FMaxDepth; // of entities in entities; 0 means no bound
+    std::int32_t FMaxDepth; // of entities in entities
     std::int32_t FDepth = 0;
     TEntities FEntities;
     TEntities FParameters;

@@ -59,7 +59,7 @@ TXMLChecker::TVisit::TVisit(TXMLChecker& checker, TProgress& progress, const TXM
         referrer.Fail(u"entity refers to itself");
     if (!FIsNeeded)
         return;
-    if (checker.FMaxDepth > 0 && checker.FDepth >= checker.FMaxDepth)
+    if (checker.FDepth >= checker.FMaxDepth)
         referrer.Fail(u"too many nested entities");
     ++checker.FDepth;
     progress = prOpen;

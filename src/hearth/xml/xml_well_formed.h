@@ -20,7 +20,7 @@ enum THtXMLStrictness : std::uint8_t { xsTags, xsWellFormed };
 /// that differ, references to characters that exist and to entities that are declared, an internal document
 /// type subset that keeps the grammar. What is declared outside of the text is not read, so with an external
 /// subset references to unknown entities pass. Entities are looked into once each, however often they are
-/// referred to, and may nest as deep as elements (XmlDepth).
+/// referred to, and may nest as deep as elements (XmlDepth), but no deeper than 1,024 levels.
 HT_API void CheckWellFormed(std::u16string_view XML, const THtLimits& limits = HtLimits());
 
 }
