@@ -86,6 +86,11 @@ TEST(xml_node_objects, printed_objects_come_back)
     EXPECT_EQ(place.Get<TPlace>().Zip, 2);
     EXPECT_EQ(place.Get<TPlace>().Town, u"x");
     EXPECT_EQ(place.Get<TPlace>().Position, (TArray<double>{5}));
+    // What people write between elements is none.
+    THtXMLNode(u"<p><Notes>x<item>a</item><!--b--><item>c</item>d</Notes><Words><!--e--></Words></p>"_s)
+        .LoadObject(*person);
+    EXPECT_EQ(person->Notes().Text(), u"a\r\nc\r\n");
+    EXPECT_EQ(person->Words.Length(), 0);
 }
 
 TEST(xml_node_objects, what_does_not_fit_names_its_member)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "object_loader_p.h"
 
+#include <hearth/runtime/checked.h>
 #include <hearth/runtime/strings.h>
 #include <hearth/runtime/text_number.h>
 
@@ -10,6 +11,27 @@
 #include <iterator>
 
 namespace ht {
+
+namespace {
+
+/// The nodes that stand for elements of an array. What people write between them, comments and texts, does
+/// not.
+std::vector<const THtXMLNode*> ElementsOf(const THtXMLNode& node)
+{
+    std::vector<const THtXMLNode*> elements;
+    for (std::int32_t i = 0; i < node.GetCount(); ++i) {
+        if (!node.GetNode(i)->Tag().IsEmpty())
+            elements.push_back(node.GetNode(i));
+    }
+    return elements;
+}
+
+String IndexName(std::size_t index)
+{
+    return Concat({u"[", IntToStr(static_cast<std::int64_t>(index)), u"]"});
+}
+
+}
 
 const std::vector<TObjectMember>& TObjectMembers::Of(const TRttiType& type)
 {
@@ -156,11 +178,13 @@ TValue TObjectLoader::ReadObject(const TTypeInfo& type, const THtXMLNode& node)
 TValue TObjectLoader::ReadArray(const TTypeInfo& type, const THtXMLNode& node)
 {
     CheckShape(tkDynArray, node);
+    const std::vector<const THtXMLNode*> elements = ElementsOf(node);
     TValue array = TValue::Initial(type);
-    type.SetLength(array.Data(), node.GetCount());
-    for (std::int32_t i = 0; i < node.GetCount(); ++i) {
-        Within(Concat({u"[", IntToStr(i), u"]"}),
-            [&] { array.SetArrayElement(i, ReadValue(*type.Element(), *node.GetNode(i))); });
+    type.SetLength(array.Data(), CheckedLength(elements.size()));
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        Within(IndexName(i), [&] {
+            array.SetArrayElement(static_cast<std::int32_t>(i), ReadValue(*type.Element(), *elements[i]));
+        });
     }
     return array;
 }
@@ -180,9 +204,10 @@ void TObjectLoader::FillStrings(TObject& object, const THtXMLNode& node)
     strings.BeginUpdate();
     try {
         strings.Clear();
-        for (std::int32_t i = 0; i < node.GetCount(); ++i) {
-            Within(Concat({u"[", IntToStr(i), u"]"}),
-                [&] { strings.Add(ReadPlain(TypeInfoOf<String>(), *node.GetNode(i)).AsString()); });
+        const std::vector<const THtXMLNode*> elements = ElementsOf(node);
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            Within(
+                IndexName(i), [&] { strings.Add(ReadPlain(TypeInfoOf<String>(), *elements[i]).AsString()); });
         }
     } catch (...) {
         strings.EndUpdate();
