@@ -88,8 +88,9 @@ std::string PrintMatches(ht::THtNode& root, const ht::String& path, const XPathO
     std::string lines;
     const auto found = root.XPath(path, options.First);
     for (const ht::THtNode* node : *found) {
-        lines += form->Print(*node);
-        if (!lines.ends_with('\n'))
+        const std::string text = form->Print(*node);
+        lines += text;
+        if (!text.ends_with('\n'))
             lines += '\n';
     }
     return lines;

@@ -71,6 +71,7 @@ PRINTED = [
     ("paths", ("xpath", "--xml", "b/d"), b"<a><b><d>x</d></b></a>", "<d>x</d>\n"),
     ("paths", ("xpath", "--value", "//a/@href"), b"<a name=x>y</a><a href='/z'>", "/z\n"),
     ("paths", ("xpath", "u"), b"<b>", ""),
+    ("paths", ("xpath", "//b", "--as=text"), b"<b>1</b><b></b><b>2", "1\n\n2\n"),
     ("XML", ("xml", "--well-formed", "--as=tree"), b"<a b='c'/>", '<a b="c">\n'),
     ("JSON", ("json", "--lossless"), b'{"b" : 1, "a":[true,"\\n"], "b":null}', '{"b":1,"a":[true,"\\n"],"b":null}\n'),
     ("JSON", ("json", "--lossless", "--as=xml"), b'{"b":1,"a":[2]}',
