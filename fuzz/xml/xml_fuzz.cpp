@@ -69,7 +69,7 @@ template <class Work> ht::String ErrorOf(Work work)
 }
 
 /// Both readers see the same elements and refuse the same.
-void CompareEvents(const ht::String& text)
+void CompareEvents(const ht::String& text, ht::THtXMLStrictness strictness)
 {
     Outcome events;
     std::int32_t open = 0;
@@ -87,18 +87,19 @@ void CompareEvents(const ht::String& text)
     parser.OnEndElement = [&](const ht::String&) { --open; };
     parser.OnText = parser.OnComment = parser.OnCData =
         parser.OnDirective = [&](const ht::String&) { place(); };
-    events.Error = ErrorOf([&] { parser.Parse(text); });
+    events.Error = ErrorOf([&] { parser.Parse(text, strictness); });
     fuzz::Require(!events.Error.IsEmpty() || open == 0, "what opens is closed");
     Outcome tree;
     ht::THtXMLNode root;
-    tree.Error = ErrorOf([&] { root.SetXML(text); });
+    tree.Error = ErrorOf([&] { root.SetXML(text, strictness); });
     for (const ht::THtNode* node = &root; node; node = node->NextNodeIn(&root))
         tree.Elements += node->Tag().IsEmpty() ? 0 : 1;
     fuzz::Require(events.Error == tree.Error, "both readers refuse the same");
     fuzz::Require(!tree.Error.IsEmpty() || events.Elements == tree.Elements, "both readers see the same");
 }
 
-/// A text that passes is read; one that does not leaves the node as it was.
+/// A text that passes is read, and what it prints as passes and prints the same; one that does not leaves the
+/// node as it was.
 void ReadWellFormed(const ht::String& text)
 {
     ht::THtXMLNode root(u"<kept/>"_s);
@@ -106,7 +107,13 @@ void ReadWellFormed(const ht::String& text)
     const ht::String error = ErrorOf([&] { root.SetXML(text, ht::xsWellFormed); });
     if (fault.IsEmpty()) {
         const bool isTooDeep = error == u"XML contains too many nested nodes";
-        return fuzz::Require(error.IsEmpty() || isTooDeep, "what is well-formed is read");
+        fuzz::Require(error.IsEmpty() || isTooDeep, "what is well-formed is read");
+        if (isTooDeep)
+            return;
+        fuzz::Require(!root.Tag().IsEmpty(), "what is well-formed has a root");
+        const ht::String code = root.Code();
+        root.SetXML(code, ht::xsWellFormed);
+        return fuzz::Require(root.Code() == code, "what is well-formed comes back");
     }
     fuzz::Require(error == fault && root.Code() == u"<kept/>", "what is refused changes nothing");
 }
@@ -157,7 +164,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((mode & kWellFormed) != 0)
         ReadWellFormed(text);
     if (!anyDepth)
-        CompareEvents(text);
+        CompareEvents(text, (mode & kWellFormed) != 0 ? ht::xsWellFormed : ht::xsTags);
     ht::THtXMLNode root;
     const bool isRead = Read(text, anyDepth, root);
     // What was read up to the error is a tree too.

@@ -169,6 +169,35 @@ TEST(xml_well_formed, is_a_switch_of_every_way_to_read)
     std::filesystem::remove(path);
 }
 
+TEST(xml_well_formed, what_passes_is_read_to_the_letter)
+{
+    const std::pair<std::u16string_view, std::string_view> rows[] = {
+        {u"<a><![CDATA[b]]]><c/><![CDATA[]]]]><![CDATA[]]></a>",
+            "<a>{#cdata \"b]\" <c> #cdata \"]]\" #cdata \"\"}"},
+        {u"<a><?b c>d?><?e ? ?><!-->f--><!--g-h--></a>",
+            "<a>{#directive \"b c>d\" #directive \"e ? \" #comment \">f\" #comment \"g-h\"}"},
+        {u"<?b c>d?><!DOCTYPE a SYSTEM \">\" [<!-- ' \" ] > --><?e \"]>?><!ENTITY f ']>'>]><a>x</a>",
+            "<a> = \"x\""},
+        {u"<a b='&#00000000000000000000000000000065;'>&#x000000000000000000000000041;</a>",
+            "<a b=\"A\"> = \"A\""},
+        {u"<!DOCTYPE a [<!ENTITY quote ''><!ENTITY amper ''><!ENTITY e9 ''>]><a "
+         u"b='&quote;'>&amper;&e9;&apos;</a>",
+            "<a b=\"&quote;\"> = \"&amper;&e9;'\""},
+    };
+    for (const auto& [text, tree] : rows) {
+        THtXMLNode root(String(text), xsWellFormed);
+        EXPECT_EQ(Tree(root), tree) << String(text);
+        const String code = root.Code();
+        root.SetXML(code, xsWellFormed);
+        EXPECT_EQ(root.Code(), code);
+    }
+    std::string events;
+    THtSAXXMLParser parser;
+    parser.OnCData = parser.OnText = [&](const String& text) { events += text.ToUtf8() + "|"; };
+    EXPECT_TRUE(parser.Parse(u"<a><![CDATA[b]]]>c</a>"_s, xsWellFormed));
+    EXPECT_EQ(events, "b]|c|");
+}
+
 struct SuiteTest {
     String Type;
     String Id;
@@ -214,7 +243,10 @@ std::vector<SuiteTest> ReadCatalog(const std::filesystem::path& suite)
 bool IsAccepted(const std::filesystem::path& path)
 {
     try {
-        THtXMLNode::CreateFromFile(String::FromUtf8(path.string()), xsWellFormed);
+        const auto root = THtXMLNode::CreateFromFile(String::FromUtf8(path.string()), xsWellFormed);
+        const String code = root->Code();
+        EXPECT_FALSE(root->Tag().IsEmpty()) << path;
+        EXPECT_EQ(THtXMLNode(code, xsWellFormed).Code(), code) << path;
     } catch (const EHtXML&) {
         return false;
     }

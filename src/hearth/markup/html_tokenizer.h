@@ -45,6 +45,10 @@ public:
     void SetCaseSensitive(bool value) noexcept { FCaseSensitive = value; }
     bool XMLMode() const noexcept { return FXMLMode; }
     void SetXMLMode(bool value) noexcept { FXMLMode = value; }
+    /// Comments, sections, directives and document types end where XML ends them, and references are read by
+    /// their whole names: for a text that is known to be well-formed. Off unless set.
+    bool ExactXML() const noexcept { return FExactXML; }
+    void SetExactXML(bool value) noexcept { FExactXML = value; }
     /// The interning tables, not owned; both must outlive the tokenizer's use.
     void SetNameTables(THtNameTable* tagNames, THtNameTable* attributeNames) noexcept;
     /// Goes on at the start of another text.
@@ -124,6 +128,7 @@ private:
     void ReadCData();
     void ReadCustom();
     void ReadDirective();
+    void ReadUpToMark(THTMLTokenType type, std::u16string_view mark);
     void ReadScript();
     void ReadStyle();
     std::u16string_view ReadBody(std::u16string_view closingTag);
@@ -135,6 +140,7 @@ private:
     String ReadResolved(const char16_t* end, std::u16string_view prefix);
     std::int64_t Escape();
     std::int64_t EscapeLoose();
+    std::int64_t EscapeExact();
     std::int64_t EscapeNumber(const char16_t* nameEnd);
     void AppendCodePoint(std::int64_t code);
     [[noreturn]] void RaiseInvalidTagName() const;
@@ -154,6 +160,7 @@ private:
     bool FCaseSensitive;
     bool FEof = false;
     bool FXMLMode;
+    bool FExactXML = false;
 };
 
 }

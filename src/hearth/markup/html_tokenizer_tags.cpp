@@ -6,6 +6,8 @@
 #include <hearth/markup/style_comments_p.h>
 #include <hearth/runtime/simd_p.h>
 
+#include <algorithm>
+
 namespace ht {
 
 namespace {
@@ -27,6 +29,49 @@ std::u16string_view WithoutHidingComment(std::u16string_view body)
     if (!body.starts_with(u"<!--"))
         return body;
     return body.substr(4, body.size() < 7 ? 0 : body.size() - 7);
+}
+
+/// The last unit of the first `mark` at or behind `from`; the end of the text without one.
+std::size_t EndOfMark(std::u16string_view text, std::u16string_view mark, std::size_t from)
+{
+    const std::size_t found = text.find(mark, from);
+    return found == std::u16string_view::npos ? text.size() : found + mark.size() - 1;
+}
+
+/// Up to the ">" of a "<!...>", which may stand in quotes but not in brackets. The first unit is not looked
+/// at, and a "]" in double quotes closes no bracket.
+std::size_t CustomLength(std::u16string_view text)
+{
+    bool quoted = false;
+    bool bracketed = false;
+    std::size_t i = text.empty() ? 0 : 1;
+    for (; i < text.size() && (text[i] != u'>' || bracketed); ++i) {
+        if (text[i] == u'"')
+            quoted = !quoted;
+        else if (!quoted && (text[i] == u'[' || text[i] == u']'))
+            bracketed = text[i] == u'[';
+    }
+    return i;
+}
+
+/// Up to the ">" of a document type as XML ends it: outside of its subset, and of quotes, comments and
+/// directives, which may hold anything.
+std::size_t DocumentTypeLength(std::u16string_view text)
+{
+    bool bracketed = false;
+    std::size_t i = 0;
+    for (; i < text.size() && (text[i] != u'>' || bracketed); ++i) {
+        const std::u16string_view rest = text.substr(i);
+        if (text[i] == u'"' || text[i] == u'\'')
+            i = EndOfMark(text, rest.substr(0, 1), i + 1);
+        else if (rest.starts_with(u"<!--"))
+            i = EndOfMark(text, u"-->", i + 4);
+        else if (rest.starts_with(u"<?"))
+            i = EndOfMark(text, u"?>", i + 2);
+        else if (text[i] == u'[' || text[i] == u']')
+            bracketed = text[i] == u'[';
+    }
+    return std::min(i, text.size());
 }
 
 }
@@ -116,6 +161,8 @@ void THTMLTokenizer::SetName(
 void THTMLTokenizer::ReadComment()
 {
     FParser.Skip(4);
+    if (FExactXML)
+        return ReadUpToMark(htComment, u"-->");
     const char16_t* from = FParser.p;
     const char16_t* stop = simd::FindAny(from, FParser.pend, u'>');
     // The two units in front of the first ">" may belong to the opening mark itself.
@@ -129,6 +176,8 @@ void THTMLTokenizer::ReadComment()
 void THTMLTokenizer::ReadCData()
 {
     FParser.Skip(9);
+    if (FExactXML)
+        return ReadUpToMark(htCData, u"]]>");
     const char16_t* from = FParser.p;
     const char16_t* p = from;
     for (;;) {
@@ -153,26 +202,19 @@ void THTMLTokenizer::ReadCustom()
 {
     FParser.Skip(2);
     const char16_t* from = FParser.p;
-    const char16_t* p = from;
-    bool quoted = false;
-    bool bracketed = false;
-    if (p < FParser.pend)
-        ++p;
-    for (; p < FParser.pend && (*p != u'>' || bracketed); ++p) {
-        if (*p == u'"')
-            quoted = !quoted;
-        else if (!quoted && (*p == u'[' || *p == u']'))
-            bracketed = *p == u'[';
-    }
-    if (p > from)
-        SetToken(htCustom, from, p);
-    FParser.p = p;
+    const std::u16string_view rest = FParser.Rest();
+    const char16_t* end = from + (FExactXML ? DocumentTypeLength(rest) : CustomLength(rest));
+    if (end > from)
+        SetToken(htCustom, from, end);
+    FParser.p = end;
     FParser.Next();
 }
 
 void THTMLTokenizer::ReadDirective()
 {
     FParser.Skip(2);
+    if (FExactXML)
+        return ReadUpToMark(htDirective, u"?>");
     const char16_t* from = FParser.p;
     const char16_t* p = from;
     while (p < FParser.pend && *p != 0 && *p != u'>' && !(*p == u'?' && p[1] == u'>'))
@@ -180,6 +222,16 @@ void THTMLTokenizer::ReadDirective()
     SetToken(htDirective, from, p);
     FParser.p = p;
     FParser.Skip(*p == u'?' ? 2 : 1);
+}
+
+/// All that stands in front of `mark`, which is passed over.
+void THTMLTokenizer::ReadUpToMark(THTMLTokenType type, std::u16string_view mark)
+{
+    const std::u16string_view rest = FParser.Rest();
+    const std::size_t length = std::min(rest.find(mark), rest.size());
+    SetToken(type, FParser.p, FParser.p + length);
+    FParser.Skip(static_cast<std::int32_t>(length));
+    FParser.Skip(static_cast<std::int32_t>(mark.size()));
 }
 
 std::u16string_view THTMLTokenizer::ReadBody(std::u16string_view closingTag)

@@ -14,6 +14,8 @@ namespace {
 
 /// Names of references are never looked for beyond this many characters.
 constexpr std::ptrdiff_t kMaxReference = 25;
+/// The longest name of a reference that is known.
+constexpr std::ptrdiff_t kLongestName = 31;
 
 }
 
@@ -92,6 +94,8 @@ std::int64_t THTMLTokenizer::EscapeLoose()
 /// Resolves the reference behind a "&"; "&" itself stands for everything that is none.
 std::int64_t THTMLTokenizer::Escape()
 {
+    if (FExactXML)
+        return EscapeExact();
     const std::int64_t loose = EscapeLoose();
     if (loose >= 0)
         return loose;
@@ -110,6 +114,26 @@ std::int64_t THTMLTokenizer::Escape()
     }
     FParser.Next(); // one letter of an unknown name is lost on purpose
     return u'&';
+}
+
+/// A number of any length, or a known name with its ";". An unknown name stays as it stands.
+std::int64_t THTMLTokenizer::EscapeExact()
+{
+    const char16_t* const from = FParser.p;
+    if (*from == u'#') {
+        const std::int64_t code = EscapeNumber(from); // where it ends shows behind it
+        FParser.Skip(*FParser.p == u';' ? 1 : 0);
+        return code;
+    }
+    const char16_t* end = from;
+    while (end - from < kLongestName && *end != 0 && *end != u';')
+        ++end;
+    const std::int32_t code =
+        *end != u';' ? 0 : HtEntityDictionary().FindEntity(from, static_cast<std::int32_t>(end - from));
+    if (code == 0)
+        return u'&';
+    FParser.p = end + 1;
+    return code;
 }
 
 std::int64_t THTMLTokenizer::EscapeNumber(const char16_t* nameEnd)

@@ -205,6 +205,7 @@ void THtXMLNode::SetXML(const String& s, THtXMLStrictness Strictness)
     Reset();
     THtmlParser parser(s, true);
     parser.SetCaseSensitive(true);
+    parser.Tokenizer().SetExactXML(Strictness == xsWellFormed);
     ReadDocument(parser);
 }
 

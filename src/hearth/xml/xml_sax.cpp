@@ -15,11 +15,12 @@ namespace ht {
 /// One reading of a text.
 class THtSAXXMLParser::TRun {
 public:
-    TRun(THtSAXXMLParser& owner, const String& text)
+    TRun(THtSAXXMLParser& owner, const String& text, THtXMLStrictness strictness)
         : FOwner(owner)
         , FParser(text, true)
     {
         FParser.SetCaseSensitive(true);
+        FParser.Tokenizer().SetExactXML(strictness == xsWellFormed);
         FParser.Limits = owner.Limits;
         owner.FRun = this;
     }
@@ -169,7 +170,7 @@ bool THtSAXXMLParser::Parse(const String& XML, THtXMLStrictness Strictness)
         CheckWellFormed(XML, Limits);
     FIsStopped = false;
     FDepth = 0;
-    TRun(*this, XML).ReadDocument();
+    TRun(*this, XML, Strictness).ReadDocument();
     return !FIsStopped;
 }
 

@@ -11,8 +11,9 @@
 namespace ht {
 
 /// What readers of documents refuse: end tags in a wrong order and damaged tags, or also everything that XML
-/// calls not well-formed, see CheckWellFormed. The stricter test comes in front of the reading, which then is
-/// the same: it takes a second pass over the text.
+/// calls not well-formed, see CheckWellFormed. The stricter test comes in front of the reading, which then
+/// ends comments, sections, directives and the document type where XML ends them, and reads references by
+/// their whole names: it takes a second pass over the text.
 enum THtXMLStrictness : std::uint8_t { xsTags, xsWellFormed };
 
 /// Throws EHtXML "XML is not well-formed at line %d, column %d: ..." (both from 1) unless the text is a
