@@ -101,21 +101,21 @@ void THtAttributes::ReleaseList() noexcept
 std::unique_ptr<THtAttributes> THtAttributes::TakeFrom(THtAttributes& source)
 {
     source.Sorted();
-    auto taken = TakeSorted({source.FList, static_cast<std::size_t>(source.FCount)}, source.CaseSensitive);
+    auto taken = OfSorted(static_cast<std::size_t>(source.FCount), source.CaseSensitive,
+        [&source](std::size_t i) { return std::move(source.FList[i]); });
     source.Clear();
     return taken;
 }
 
-std::unique_ptr<THtAttributes> THtAttributes::TakeSorted(std::span<THtAttribute> entries, bool caseSensitive)
+/// A store without entries, with room for them in its own block; what is put there counts once it is counted.
+std::unique_ptr<THtAttributes> THtAttributes::NewInOneBlock(std::size_t count, bool caseSensitive)
 {
-    const std::int32_t count = CheckedLength(entries.size());
-    void* block = memory::Allocate(sizeof(THtAttributes) + entries.size() * sizeof(THtAttribute));
-    std::unique_ptr<THtAttributes> taken(new (block) THtAttributes(caseSensitive));
-    taken->FList = reinterpret_cast<THtAttribute*>(taken.get() + 1);
-    taken->FInOwnBlock = true;
-    std::uninitialized_move(entries.begin(), entries.end(), taken->FList);
-    taken->FCount = taken->FCapacity = taken->FSortedCount = count;
-    return taken;
+    CheckedLength(count);
+    void* block = memory::Allocate(sizeof(THtAttributes) + count * sizeof(THtAttribute));
+    std::unique_ptr<THtAttributes> made(new (block) THtAttributes(caseSensitive));
+    made->FList = reinterpret_cast<THtAttribute*>(made.get() + 1);
+    made->FInOwnBlock = true;
+    return made;
 }
 
 int THtAttributes::Compare(std::u16string_view a, std::u16string_view b) const

@@ -5,8 +5,11 @@
 #include <hearth/runtime/object.h>
 #include <hearth/runtime/text.h>
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <span>
 
 namespace ht {
@@ -36,9 +39,17 @@ public:
     /// A new store with the entries of `source`, which is empty afterwards and keeps its memory. Both stand
     /// in one block.
     static std::unique_ptr<THtAttributes> TakeFrom(THtAttributes& source);
-    /// A new store with the entries of a list, which is left without texts. They come in name order, no two
-    /// with one name.
-    static std::unique_ptr<THtAttributes> TakeSorted(std::span<THtAttribute> entries, bool caseSensitive);
+    /// A new store with the entries that `entryAt` gives for the indexes from 0 on: in name order, no two
+    /// with one name. It does not throw. Both stand in one block.
+    template <std::invocable<std::size_t> EntryAt>
+    static std::unique_ptr<THtAttributes> OfSorted(std::size_t count, bool caseSensitive, EntryAt entryAt)
+    {
+        std::unique_ptr<THtAttributes> made = NewInOneBlock(count, caseSensitive);
+        for (std::size_t i = 0; i < count; ++i)
+            new (made->FList + i) THtAttribute(entryAt(i));
+        made->FCount = made->FCapacity = made->FSortedCount = static_cast<std::int32_t>(count);
+        return made;
+    }
 
     const TClassInfo& ClassInfo() const override { return kClassInfo; }
 
@@ -96,6 +107,7 @@ public:
 private:
     class TNameIndex;
 
+    static std::unique_ptr<THtAttributes> NewInOneBlock(std::size_t count, bool caseSensitive);
     const THtAttribute* Sorted() const;
     THtAttribute* Lookup(std::u16string_view name) const;
     int Compare(std::u16string_view a, std::u16string_view b) const;

@@ -73,21 +73,32 @@ bool THtJSONParser::NextName()
     return true;
 }
 
+bool THtJSONParser::NextGuess(THtMemberName* guess, THtJSONTokenType& type)
+{
+    if (!FTokenizer || !guess || !guess->FIsPlain)
+        return false;
+    const auto read = FTokenizer->ReadPlainMember(guess->Name);
+    if (read == THtJSONTokenizer::pmNone)
+        return false;
+    FName = guess;
+    type = read == THtJSONTokenizer::pmString ? jtIdent : ReadValue();
+    return true;
+}
+
 THtJSONTokenType THtJSONParser::NextNameValue()
 {
     if (!FTokenizer)
         RaiseNameExpected();
     FName = &TokenName();
-    return NextValue();
+    if (!FTokenizer->PassColon() && (!FTokenizer->NextNSToken() || FTokenizer->Type() != jtColon))
+        RaiseNameExpected();
+    return ReadValue();
 }
 
-THtJSONTokenType THtJSONParser::NextValue()
+/// Reads the first token behind a ":".
+THtJSONTokenType THtJSONParser::ReadValue()
 {
-    if (!FTokenizer)
-        RaiseNameExpected();
     THtJSONTokenizer& tokens = *FTokenizer;
-    if (!tokens.PassColon() && (!tokens.NextNSToken() || tokens.Type() != jtColon))
-        RaiseNameExpected();
     if (!tokens.NextNSToken())
         RaiseValueExpected();
     switch (tokens.Type()) {

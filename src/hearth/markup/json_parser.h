@@ -57,22 +57,12 @@ public:
     /// The same with what is known of it; null before the first one.
     THtMemberName* Member() const noexcept { return FName; }
 
-    // The steps of NextNameValue, for readers that guess names.
-
     /// NextNSToken of the tokenizer, for a place where a name is expected: one that was met before costs no
     /// string. False for an empty text.
     bool NextName();
-    /// True where `guess` comes next, as a string without escapes: then it is the current name, and the
-    /// cursor stands behind it. Otherwise only blanks were read.
-    bool TakeGuess(THtMemberName* guess) noexcept
-    {
-        if (!FTokenizer || !guess || !guess->FIsPlain || !FTokenizer->PassString(guess->Name))
-            return false;
-        FName = guess;
-        return true;
-    }
-    /// NextNameValue from behind the name on.
-    THtJSONTokenType NextValue();
+    /// NextName and NextNameValue in one, where `guess` comes next as a string without escapes: `type` is
+    /// what the latter gives. False, with only blanks read, where something else comes, and for null.
+    bool NextGuess(THtMemberName* guess, THtJSONTokenType& type);
 
     /// The bounds of this run, a copy of those of the process.
     THtLimits Limits = HtLimits();
@@ -80,6 +70,7 @@ public:
 private:
     THtMemberName& Intern(std::u16string_view name);
     THtMemberName& TokenName();
+    THtJSONTokenType ReadValue();
 
     THtStringList FNames;
     THtMemberName* FName = nullptr; // the current one

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <hearth/foundation/hash_table.h>
 #include <hearth/foundation/string_parser.h>
 #include <hearth/markup/json_token.h>
 
@@ -48,29 +47,17 @@ private:
     /// Reads a string as NextNSToken would, and leaves its text with the caller, who puts it into the token.
     /// False, with only blanks read, where something else stands. Lifetime: until the next string is read.
     bool ReadStringView(std::u16string_view& text);
-    /// Passes over blanks and a string that is written as `text` is. False, with only blanks read, where
-    /// something else stands.
-    bool PassString(std::u16string_view text) noexcept
-    {
-        const char16_t quote = PassBlanks();
-        const char16_t* const p = FParser.p;
-        if ((quote != u'"' && quote != u'\'')
-            || FParser.pend - p < static_cast<std::ptrdiff_t>(text.size()) + 2 || p[text.size() + 1] != quote
-            || !detail::SameUnits(text.data(), p + 1, text.size()))
-            return false;
-        FParser.p = p + text.size() + 2;
-        return true;
-    }
     /// Passes over blanks and a ":" without making a token of it. False, with only blanks read, where
     /// something else stands.
-    bool PassColon() noexcept
-    {
-        if (PassBlanks() != u':')
-            return false;
-        ++FParser.p;
-        return true;
-    }
+    bool PassColon() noexcept;
+    /// What ReadPlainMember met.
+    enum TPlainMember : std::uint8_t { pmNone, pmName, pmString };
+    /// Reads `name` in quotes, ":" and a string without escapes, which becomes the token, as three calls of
+    /// NextNSToken would (pmString); name and ":" where something else stands behind (pmName); otherwise only
+    /// blanks (pmNone). There are no quotes and escapes in `name`.
+    TPlainMember ReadPlainMember(std::u16string_view name);
     char16_t PassRealBlanks() noexcept;
+    const char16_t* BehindBlanks(const char16_t* p) const noexcept;
 
     void SetBlanks(const char16_t* from);
     void ReadToken();

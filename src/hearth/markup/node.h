@@ -294,7 +294,8 @@ inline std::int32_t THtNodeList::Add(THtNode* node)
 
 template <std::derived_from<THtNode> Node> constexpr THtNodeClass THtNodeClass::Of()
 {
-    return {&Node::kClassInfo, []() -> std::unique_ptr<THtNode> { return std::make_unique<Node>(); }};
+    return {&Node::kClassInfo,
+        []() -> std::unique_ptr<THtNode> { return std::make_unique_for_overwrite<Node>(); }};
 }
 
 }

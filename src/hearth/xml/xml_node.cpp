@@ -40,7 +40,7 @@ THtXMLNode& THtXMLNode::NewChild(const THtTagName& tag)
 {
     if (typeid(*this) == typeid(THtXMLNode)) {
         // No hook is overridden here.
-        auto child = std::make_unique<THtXMLNode>();
+        auto child = std::make_unique_for_overwrite<THtXMLNode>();
         THtNode::GetNodes().Add(child.get());
         return *child.release();
     }

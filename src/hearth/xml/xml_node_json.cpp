@@ -4,9 +4,9 @@
 
 #include <hearth/foundation/fast_string.h>
 #include <hearth/markup/node_walk_p.h>
+#include <hearth/xml/member_order_p.h>
 #include <hearth/xml/xml_encode.h>
 
-#include <algorithm>
 #include <span>
 
 namespace ht {
@@ -106,11 +106,6 @@ private:
         THtMemberName* Owner; // the innermost name around it
         THtMemberName* Last; // the name of its last member
     };
-    /// A member that is to become an attribute.
-    struct TMember {
-        THtMemberName* Name;
-        String Value;
-    };
 
     static char16_t EndOf(const THtXMLNode& node) { return node.FIsArray ? u']' : u'}'; }
 
@@ -160,15 +155,20 @@ private:
     /// unless all are complete.
     void EndPart()
     {
+        const char16_t*& p = FTokens.Parser().p;
+        if (p[0] == u',' && p[1] == u'"') { // as most parts are written
+            ++p;
+            return;
+        }
         for (char16_t next = FTokens.PassBlanks(); next == EndOf(*FNode); next = FTokens.PassBlanks()) {
-            ++FTokens.Parser().p;
+            ++p;
             Close();
             if (FLevels.IsEmpty())
                 return;
         }
-        if (*FTokens.Parser().p != u',')
+        if (*p != u',')
             RaiseNoComma();
-        ++FTokens.Parser().p;
+        ++p;
         const char16_t next = FTokens.PassBlanks();
         if (next != EndOf(*FNode) && (next != 0 || !FTokens.Parser().Empty()))
             return;
@@ -200,10 +200,11 @@ private:
     {
         TLevel& level = FLevels.Last();
         THtMemberName*& guess = level.Last ? level.Last->Behind : level.Owner ? level.Owner->Inside : FFirst;
-        const bool isGuessed = FParser.TakeGuess(guess);
-        if (!isGuessed)
+        THtJSONTokenType type = jtUnknown;
+        if (!FParser.NextGuess(guess, type)) {
             FParser.NextName();
-        const THtJSONTokenType type = isGuessed ? FParser.NextValue() : FParser.NextNameValue();
+            type = FParser.NextNameValue();
+        }
         THtMemberName* const name = FParser.Member();
         guess = level.Last = name;
         if (OpensContainer(type))
@@ -233,60 +234,26 @@ private:
     {
         const std::int32_t from = FLevels.Last().Members;
         if (FMembers.Length() > from) {
-            StoreMembers(std::span<TMember>(FMembers.data() + from, FMembers.data() + FMembers.Length()));
+            StoreMembers(std::span<TJsonMember>(FMembers.data() + from, FMembers.data() + FMembers.Length()));
             FMembers.Delete(from, FMembers.Length() - from);
         }
         FLevels.Delete(FLevels.Length() - 1);
         FNode = FNode->GetParent();
     }
 
-    void StoreMembers(std::span<TMember> members)
+    void StoreMembers(std::span<TJsonMember> members)
     {
         if (FNode->FAttributes) {
-            for (const TMember& member : members)
+            for (const TJsonMember& member : members)
                 FNode->SetAttr(member.Name->Name, member.Value);
             return;
         }
-        if (members.size() == 1) {
-            THtAttribute only{members[0].Name->Name, std::move(members[0].Value)};
-            FNode->ReplaceAttributes(THtAttributes::TakeSorted({&only, 1}, true));
-            return;
-        }
-        SortMembers(members);
-        for (std::int32_t i = 0; i < FOrder.Length(); ++i) {
-            // Of equal names the last one counts.
-            if (i + 1 < FOrder.Length() && FOrder[i].Name == FOrder[i + 1].Name)
-                continue;
-            TMember& member = members[FOrder[i].Index];
-            FSorted.Add({member.Name->Name, std::move(member.Value)});
-        }
-        FNode->ReplaceAttributes(
-            THtAttributes::TakeSorted({FSorted.data(), static_cast<std::size_t>(FSorted.Length())}, true));
-        FSorted.Clear();
-    }
-
-    /// A member in the order of names, equal ones in the order of the text.
-    struct TOrder {
-        const THtMemberName* Name;
-        std::uint32_t Index;
-
-        bool operator<(const TOrder& other) const
-        {
-            if (Name == other.Name)
-                return Index < other.Index;
-            if (Name->Order != other.Name->Order)
-                return Name->Order < other.Name->Order;
-            return Name->Name.View() < other.Name->Name.View();
-        }
-    };
-
-    void SortMembers(std::span<const TMember> members)
-    {
-        FOrder.Clear();
-        for (std::uint32_t i = 0; i < members.size(); ++i)
-            FOrder.Add({members[i].Name, i});
-        if (!std::is_sorted(FOrder.begin(), FOrder.end()))
-            std::sort(FOrder.begin(), FOrder.end());
+        const std::span<const std::uint32_t> places = FOrder.Of(members);
+        const auto take = [members, places](std::size_t i) {
+            TJsonMember& member = members[places[i]];
+            return THtAttribute{member.Name->Name, std::move(member.Value)};
+        };
+        FNode->ReplaceAttributes(THtAttributes::OfSorted(places.size(), true, take));
     }
 
     THtJSONParser& FParser;
@@ -295,9 +262,8 @@ private:
     TJsonDetail FDetail;
     THtMemberName* FFirst = nullptr; // the first name in an object without a name around it
     TArray<TLevel> FLevels;
-    TArray<TMember> FMembers; // of all open containers, the outermost first
-    TArray<TOrder> FOrder;
-    TArray<THtAttribute> FSorted;
+    TArray<TJsonMember> FMembers; // of all open containers, the outermost first
+    TMemberOrder FOrder;
 };
 
 void THtXMLNode::ParseJSON(THtJSONParser& P)
