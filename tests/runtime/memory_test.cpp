@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <barrier>
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <mutex>
@@ -112,6 +113,7 @@ TEST(memory, blocks_do_not_overlap)
 {
     ChurnAtRandom(Door(), 3000, 60000);
     ChurnAtRandom(OneHeap(), OneHeap::kLargest, 60000);
+    ChurnAtRandom(Door(), 3 * LargeBlock::kSmallest, 300);
 }
 
 TEST(memory, an_empty_page_begins_anew_and_neighbours_follow_each_other)
@@ -166,6 +168,64 @@ TEST(memory, free_chunks_go_back_to_the_system)
     EXPECT_EQ(pool.ChunkCount(), 0U);
     EXPECT_FALSE(Chunk::Holds(small.back()));
     FreeAll(heap, Fill(heap, kPageBytes, 48));
+}
+
+TEST(memory, large_blocks_are_kept_for_those_who_need_as_much)
+{
+    constexpr std::size_t kSize = 3 * LargeBlock::kSmallest;
+    PagePool pool(0);
+    PageHeap& heap = *pool.TakeHeap();
+    PageHeap& other = *pool.TakeHeap();
+    void* const first = pool.TakeLarge(kSize);
+    void* const second = pool.TakeLarge(kSize);
+    EXPECT_TRUE(Chunk::Holds(first) && LargeBlock::Of(first).Room() >= kSize);
+    const Block block(first, kSize, 3);
+    const Block neighbour(second, kSize, 4);
+    EXPECT_TRUE(block.IsWhole(kSize) && neighbour.IsWhole(kSize));
+    heap.Free(first);
+    EXPECT_FALSE(Chunk::Holds(first));
+    other.Free(second); // whoever frees it
+    EXPECT_NE(pool.TakeLarge(kSize / 2), first); // too small for so much
+    EXPECT_EQ(pool.TakeLarge(kSize - kPageBytes), first);
+    EXPECT_EQ(pool.TakeLarge(kSize), second);
+    heap.Free(first);
+    EXPECT_TRUE(pool.DropSpare());
+    EXPECT_FALSE(pool.DropSpare());
+    heap.Free(second);
+    pool.Collect();
+    EXPECT_FALSE(pool.DropSpare());
+    EXPECT_EQ(pool.TakeLarge(std::numeric_limits<std::size_t>::max() - 100), nullptr);
+}
+
+TEST(memory, spare_memory_is_bounded_in_size_number_and_time)
+{
+    using namespace std::chrono_literals;
+    constexpr std::size_t kBytes = 10;
+    std::array<char, 100> places{};
+    const auto stretch = [&places](std::size_t i) { return Stretch{&places[i], kBytes + i, pkPlain}; };
+    const SpareStretches::Time start{};
+    SpareStretches spare(10000);
+    std::size_t displaced = 0;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const Stretch old = spare.Put(stretch(i), start + i * 1s);
+        EXPECT_TRUE(!old || old.Memory == &places[displaced]);
+        displaced += old ? 1U : 0U;
+    }
+    EXPECT_EQ(displaced, 36U);
+    // The smallest that fits, whatever its age, and not much larger.
+    EXPECT_EQ(spare.Take(kBytes + 50).Memory, &places[50]);
+    EXPECT_EQ(spare.Take(kBytes + 50).Memory, &places[51]);
+    EXPECT_FALSE(spare.Take(30) || spare.Take(1000));
+    EXPECT_EQ(spare.TakeOld(start + 36s + SpareStretches::kLongest + 1ms).Memory, &places[36]);
+    EXPECT_FALSE(spare.TakeOld(start + 37s + SpareStretches::kLongest));
+
+    SpareStretches small(25);
+    small.Put(stretch(0), start);
+    small.Put(stretch(1), start);
+    EXPECT_FALSE(small.TakeOld(start));
+    small.Put(stretch(2), start);
+    EXPECT_EQ(small.TakeOld(start).Memory, &places[0]);
+    EXPECT_FALSE(small.TakeOld(start));
 }
 
 TEST(memory, blocks_freed_elsewhere_come_back)

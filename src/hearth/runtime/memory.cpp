@@ -1,7 +1,8 @@
-// The memory door: small blocks from pages of our own, others from the allocator behind.
+// The memory door: small and large blocks from pages of our own, others from the allocator behind.
 // SPDX-License-Identifier: MIT
 #include <hearth/runtime/memory.h>
 
+#include <hearth/runtime/exceptions.h>
 #include <hearth/runtime/memory_behind_p.h>
 #include <hearth/runtime/memory_heap_p.h>
 #include <hearth/runtime/memory_pool_p.h>
@@ -75,6 +76,22 @@ PageHeap* OpenHeap()
     return heap;
 }
 
+/// Before giving up, what is kept for later goes back.
+void* AllocateOthers(std::size_t size)
+{
+    if (size >= LargeBlock::kSmallest) {
+        if (void* block = gPool.Pool.TakeLarge(size))
+            return block;
+    }
+    try {
+        return AllocateBehind(size);
+    } catch (const EOutOfMemory&) {
+        if (!gPool.Pool.DropSpare())
+            throw;
+    }
+    return AllocateBehind(size);
+}
+
 [[gnu::noinline]] void* AllocateSlowly(std::size_t size)
 {
     if (size <= PageHeap::kLargest) {
@@ -83,16 +100,25 @@ PageHeap* OpenHeap()
         if (block)
             return block;
     }
-    return AllocateBehind(size);
+    return AllocateOthers(size);
+}
+
+/// Whether the block may stay where it is: it has room, and not much too much.
+bool Fits(std::size_t room, std::size_t size)
+{
+    if (room > PageHeap::kLargest)
+        return size <= room && size >= room / 2;
+    return size <= PageHeap::kLargest && PageHeap::RoundUp(size) == room;
 }
 
 [[gnu::noinline]] void* ReallocatePaged(void* block, std::size_t size)
 {
-    const std::size_t oldSize = PageHeap::BlockBytes(block);
-    if (size <= PageHeap::kLargest && PageHeap::RoundUp(size) == oldSize)
+    const bool isLarge = PageHeap::IsLarge(Page::Of(block));
+    const std::size_t room = isLarge ? LargeBlock::Of(block).Room() : PageHeap::BlockBytes(block);
+    if (Fits(room, size))
         return block;
     void* moved = Allocate(size);
-    std::memcpy(moved, block, std::min(size, oldSize));
+    std::memcpy(moved, block, std::min(size, room));
     Free(block);
     return moved;
 }

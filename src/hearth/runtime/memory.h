@@ -6,6 +6,12 @@
 
 #include <hearth/export.h>
 
+// What is freed is kept for the next document, within bounds: up to 32 MiB of small blocks for as long as the
+// process lives, and up to 128 MiB of stretches of 1 MiB and more (large texts, small blocks beyond the 32
+// MiB) for two seconds. These go back to the system when memory is taken or freed after that time. In a
+// program that is idle by then they stay, and the system may take those in huge pages whenever it is short of
+// memory; Collect gives all of it back at once.
+
 namespace ht::memory {
 
 /// Gives `size` bytes (0 counts as 1), aligned for every scalar. Throws EOutOfMemory.

@@ -1,12 +1,8 @@
-// How chunks come from the system and go back to it.
+// How chunks begin and end, and the lists of pages.
 // SPDX-License-Identifier: MIT
 #include <hearth/runtime/memory_chunk_p.h>
 
 #include <new>
-
-#if defined(__unix__) || defined(__APPLE__)
-#include <sys/mman.h>
-#endif
 
 namespace ht::memory {
 
@@ -19,88 +15,34 @@ std::uintptr_t Address(const void* memory)
     return reinterpret_cast<std::uintptr_t>(memory);
 }
 
-#if defined(__unix__) || defined(__APPLE__)
-char* MapBytes(std::size_t size)
-{
-    void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    return memory == MAP_FAILED ? nullptr : static_cast<char*>(memory);
 }
 
-/// Mappings mostly follow each other, so the first try is mostly aligned; otherwise what hangs over is cut
-/// off.
-char* MapAligned()
+void Chunk::Mark(const void* place, bool ours) noexcept
 {
-    char* memory = MapBytes(kChunkBytes);
-    if (!memory || Address(memory) % kChunkBytes == 0)
-        return memory;
-    munmap(memory, kChunkBytes);
-    memory = MapBytes(2 * kChunkBytes);
-    if (!memory)
-        return nullptr;
-    const std::size_t before = kChunkBytes - Address(memory) % kChunkBytes;
-    munmap(memory, before);
-    if (before != kChunkBytes)
-        munmap(memory + before + kChunkBytes, kChunkBytes - before);
-    return memory + before;
-}
-
-void AskForHugePages([[maybe_unused]] char* memory)
-{
-#if defined(MADV_HUGEPAGE)
-    madvise(memory, kChunkBytes, MADV_HUGEPAGE); // a wish; the system may have none
-#endif
-}
-
-void UnmapBytes(void* memory)
-{
-    munmap(memory, kChunkBytes);
-}
-#else
-char* MapAligned()
-{
-    return nullptr;
-}
-
-void AskForHugePages(char*) { }
-void UnmapBytes(void*) { }
-#endif
-
-void Mark(const Chunk* chunk, bool ours)
-{
-    const std::uintptr_t place = Address(chunk) / kChunkBytes;
-    const std::uint64_t bit = std::uint64_t{1} << place % 64;
+    const std::uintptr_t index = Address(place) / kChunkBytes;
+    const std::uint64_t bit = std::uint64_t{1} << index % 64;
     if (ours)
-        ChunkBits(place).fetch_or(bit, std::memory_order_relaxed);
+        ChunkBits(index).fetch_or(bit, std::memory_order_relaxed);
     else
-        ChunkBits(place).fetch_and(~bit, std::memory_order_relaxed);
+        ChunkBits(index).fetch_and(~bit, std::memory_order_relaxed);
 }
 
-}
-
-Chunk* Chunk::Map(TPageKind kind) noexcept
+Chunk* Chunk::Make(const Stretch& stretch) noexcept
 {
-    char* memory = MapAligned();
-    if (!memory)
-        return nullptr;
-    if (Address(memory) / kChunkBytes >= kChunkPlaces) {
-        UnmapBytes(memory);
-        return nullptr;
-    }
-    if (kind == pkHuge)
-        AskForHugePages(memory);
-    auto* chunk = new (memory) Chunk;
+    auto* chunk = new (stretch.Memory) Chunk;
     for (std::size_t i = 0; i < kPagesPerChunk; ++i)
         chunk->SetBounds(i);
     chunk->FreePages = 0;
+    chunk->Kind = stretch.Kind;
     Mark(chunk, true);
     return chunk;
 }
 
-void Chunk::Unmap(Chunk* chunk) noexcept
+Stretch Chunk::End() noexcept
 {
     // First of all: the system may give the place to another allocator at once.
-    Mark(chunk, false);
-    UnmapBytes(chunk);
+    Mark(this, false);
+    return {this, kChunkBytes, Kind};
 }
 
 void Chunk::SetBounds(std::size_t index) noexcept

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/runtime/memory_spare_p.h>
+
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -51,6 +53,8 @@ struct alignas(64) Page {
     std::uintptr_t Start;
 
     static constexpr std::uintptr_t kFull = 1;
+    /// Stands for an owner where the block is a large one.
+    static constexpr std::uintptr_t kLarge = 2;
 };
 
 static_assert(sizeof(Page) <= 64, "a record is one cache line");
@@ -68,18 +72,18 @@ private:
     Page* FLast = nullptr;
 };
 
-enum TPageKind : std::uint8_t { pkPlain, pkHuge };
-
 /// A stretch of memory that begins at a multiple of its size. The records of its pages stand together at its
 /// front: inside their pages, 64 KiB apart, they would compete for the same few lines of every cache.
 struct Chunk {
-    /// A chunk of fresh zero memory, null when the system has none. Huge pages make the first touch many
-    /// times cheaper, and take 2 MiB at a time.
-    static Chunk* Map(TPageKind kind) noexcept;
-    static void Unmap(Chunk* chunk) noexcept;
+    /// Makes a chunk of a stretch of kChunkBytes, whatever was in it.
+    static Chunk* Make(const Stretch& stretch) noexcept;
+    /// Ends the chunk; its stretch is the caller's again.
+    Stretch End() noexcept;
     static Chunk& Of(const void* block) noexcept;
     /// Whether an address, of whatever allocator, lies in some chunk.
     static bool Holds(const void* block) noexcept;
+    /// Says for Holds whose the kChunkBytes are that begin here.
+    static void Mark(const void* place, bool ours) noexcept;
 
     void SetBounds(std::size_t index) noexcept;
 
@@ -87,6 +91,7 @@ struct Chunk {
     Chunk* Previous;
     Chunk* Next;
     std::size_t FreePages;
+    TPageKind Kind;
 };
 
 /// One bit for each place where a chunk may lie; the parts that nobody sets cost nothing.

@@ -118,9 +118,13 @@ void PageHeap::Emptied(Page& page) noexcept
     FPool->GiveBack(page);
 }
 
-/// The block lies in a full page, which has room now, or belongs to another heap.
+/// The block lies in a full page, which has room now, or belongs to another heap, or is a large one.
 void PageHeap::FreeElsewhere(Page& page, FreeBlock* block) noexcept
 {
+    if (IsLarge(page)) {
+        LargeBlock& large = LargeBlock::Of(block);
+        return large.Pool->GiveBack(large);
+    }
     PageHeap* owner = OwnerOf(page);
     if (owner != this) {
         owner->PushForeign(block);

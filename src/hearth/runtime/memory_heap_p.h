@@ -32,8 +32,13 @@ public:
     /// Takes back a block of this heap or another one of the pool.
     void Free(void* block) noexcept;
 
-    /// Size of what stands behind a block.
+    /// Size of what stands behind a block of a heap.
     static std::size_t BlockBytes(void* block) noexcept { return Page::Of(block).BlockBytes; }
+    /// Whether the page is that of a large block, which no heap has; Free takes it nevertheless.
+    static bool IsLarge(const Page& page) noexcept
+    {
+        return page.Owner.load(std::memory_order_relaxed) == Page::kLarge;
+    }
     static constexpr std::size_t RoundUp(std::size_t size) { return (size + kStep - 1) / kStep * kStep; }
 
     /// Takes in what other threads freed, and gives pages without blocks back to the pool.

@@ -12,8 +12,9 @@ PagePool::~PagePool()
 {
     while (Chunk* chunk = FChunks) {
         FChunks = chunk->Next;
-        Chunk::Unmap(chunk);
+        chunk->End().Unmap();
     }
+    DropSpare();
     while (PageHeap* heap = FHeaps) {
         FHeaps = heap->NextHeap;
         delete heap;
@@ -28,10 +29,19 @@ Page* PagePool::TakeFree() noexcept
 
 Page* PagePool::TakeNew() noexcept
 {
-    const std::lock_guard lock(FMutex);
-    if (FFreePages == 0)
-        AddChunk();
-    return Pop();
+    Page* page = nullptr;
+    Stretch old;
+    {
+        const std::lock_guard lock(FMutex);
+        old = OldSpare();
+        if (FFreePages > 0 || AddChunk())
+            page = Pop();
+    }
+    if (old)
+        old.Unmap();
+    if (!page && DropSpare())
+        return TakeNew();
+    return page;
 }
 
 Page* PagePool::Pop() noexcept
@@ -44,25 +54,37 @@ Page* PagePool::Pop() noexcept
     return page;
 }
 
-/// A small program has one chunk and pays for what it touches; who needs another gets it in huge pages, which
+/// A small program has one chunk and pays for what it touches; who needs more gets it in huge pages, which
 /// mostly come five times as fast. A virtual machine that gave its free memory back to the host waits for
 /// them much longer than for small ones: then the first is the last.
-Chunk* PagePool::MapChunk() noexcept
+Stretch PagePool::Map(std::size_t bytes) noexcept
 {
     if (FChunkCount == 0 || !FHugePagesPay)
-        return Chunk::Map(pkPlain);
+        return Stretch::Map(bytes, pkPlain);
     constexpr auto kLongest = std::chrono::milliseconds(1); // 512 small pages take as long
+    Stretch made = Stretch::Map(bytes, pkHuge);
+    if (!made)
+        return made;
     const auto start = std::chrono::steady_clock::now();
-    Chunk* chunk = Chunk::Map(pkHuge);
+    *static_cast<volatile char*>(made.Memory) = 0;
     FHugePagesPay = std::chrono::steady_clock::now() - start < kLongest;
-    return chunk;
+    if (!FHugePagesPay)
+        made.BecomePlain();
+    return made;
 }
 
-void PagePool::AddChunk() noexcept
+Stretch PagePool::TakeStretch(std::size_t bytes) noexcept
 {
-    Chunk* chunk = MapChunk();
-    if (!chunk)
-        return;
+    const Stretch spare = FSpare.Take(bytes);
+    return spare ? spare : Map(bytes);
+}
+
+bool PagePool::AddChunk() noexcept
+{
+    const Stretch stretch = TakeStretch(kChunkBytes);
+    if (!stretch)
+        return false;
+    Chunk* chunk = Chunk::Make(stretch);
     chunk->Previous = nullptr;
     chunk->Next = FChunks;
     if (FChunks)
@@ -74,22 +96,92 @@ void PagePool::AddChunk() noexcept
         FFree.Push(chunk->Pages[i]);
     chunk->FreePages = kPagesPerChunk;
     FFreePages += kPagesPerChunk;
+    return true;
 }
 
 void PagePool::GiveBack(Page& page) noexcept
 {
     Chunk& chunk = Chunk::Of(&page);
     page.Owner.store(0, std::memory_order_relaxed);
+    Stretch old;
+    bool isSpare = false;
     {
         const std::lock_guard lock(FMutex);
         FFree.Push(page);
         ++FFreePages;
         ++chunk.FreePages;
-        if (!IsSpare(chunk, FKeptPages))
-            return;
-        Detach(chunk);
+        isSpare = IsSpare(chunk, FKeptPages);
+        if (isSpare)
+            Detach(chunk);
+        old = OldSpare();
     }
-    Chunk::Unmap(&chunk);
+    if (old)
+        old.Unmap();
+    if (isSpare)
+        Keep(chunk.End());
+}
+
+void* PagePool::TakeLarge(std::size_t size) noexcept
+{
+    constexpr std::size_t kMost = SIZE_MAX / 4;
+    if (size > kMost)
+        return nullptr;
+    const std::size_t bytes = (size + sizeof(LargeBlock) + kPageBytes - 1) / kPageBytes * kPageBytes;
+    Stretch stretch;
+    {
+        const std::lock_guard lock(FMutex);
+        stretch = TakeStretch(bytes);
+    }
+    if (!stretch)
+        return DropSpare() ? TakeLarge(size) : nullptr;
+    auto* made = new (stretch.Memory) LargeBlock;
+    made->Record.Owner.store(Page::kLarge, std::memory_order_relaxed);
+    made->Pool = this;
+    made->Whole = stretch;
+    Chunk::Mark(made, true);
+    return made->Block();
+}
+
+void PagePool::GiveBack(LargeBlock& block) noexcept
+{
+    Chunk::Mark(&block, false);
+    Keep(block.Whole);
+}
+
+void PagePool::Keep(const Stretch& stretch) noexcept
+{
+    stretch.OfferPages();
+    Stretch old;
+    {
+        const std::lock_guard lock(FMutex);
+        old = FSpare.Put(stretch, std::chrono::steady_clock::now());
+    }
+    do {
+        if (old)
+            old.Unmap();
+        const std::lock_guard lock(FMutex);
+        old = OldSpare();
+    } while (old);
+}
+
+/// What is to go, mostly nothing.
+Stretch PagePool::OldSpare() noexcept
+{
+    return FSpare.IsEmpty() ? Stretch{} : FSpare.TakeOld(std::chrono::steady_clock::now());
+}
+
+bool PagePool::DropSpare() noexcept
+{
+    for (bool any = false;; any = true) {
+        Stretch spare;
+        {
+            const std::lock_guard lock(FMutex);
+            spare = FSpare.TakeAny();
+        }
+        if (!spare)
+            return any;
+        spare.Unmap();
+    }
 }
 
 bool PagePool::IsSpare(const Chunk& chunk, std::size_t keptPages) const noexcept
@@ -140,13 +232,14 @@ void PagePool::Collect() noexcept
         Park(*idle);
         idle = next;
     }
+    DropSpare();
     const std::lock_guard lock(FMutex);
     Chunk* chunk = FChunks;
     while (chunk) {
         Chunk* next = chunk->Next;
         if (IsSpare(*chunk, 0)) {
             Detach(*chunk);
-            Chunk::Unmap(chunk);
+            chunk->End().Unmap();
         }
         chunk = next;
     }

@@ -9,15 +9,35 @@
 
 namespace ht::memory {
 
+/// A block that is too large for pages stands alone in a stretch.
+struct alignas(64) LargeBlock {
+    /// The least size of such a block.
+    static constexpr std::size_t kSmallest = std::size_t{1} << 20U;
+
+    static LargeBlock& Of(void* block) noexcept { return static_cast<LargeBlock*>(block)[-1]; }
+    void* Block() noexcept { return this + 1; }
+    /// Bytes of the block.
+    std::size_t Room() const noexcept { return Whole.Bytes - sizeof(LargeBlock); }
+
+    Page Record; // lies where a chunk has that of its first page
+    PagePool* Pool;
+    Stretch Whole;
+};
+
 /// Where heaps get their pages from. All of it may be used by several threads at once; FMutex guards every
 /// field.
 class PagePool {
 public:
     static constexpr std::size_t kKeptBytes = std::size_t{32} << 20U;
+    static constexpr std::size_t kSpareBytes = std::size_t{128} << 20U;
 
-    /// Free chunks are given back to the system while this much is free besides them.
-    constexpr explicit PagePool(std::size_t keptBytes = kKeptBytes) noexcept
+    /// Free chunks become spare while `keptBytes` are free besides them, and so do large blocks that are
+    /// freed. Spare memory goes back to the system when it is more than `spareBytes`, and what nobody took
+    /// for two seconds as soon as a page, a chunk or a large block is taken or freed by then.
+    constexpr explicit PagePool(
+        std::size_t keptBytes = kKeptBytes, std::size_t spareBytes = kSpareBytes) noexcept
         : FKeptPages(keptBytes / kPageBytes)
+        , FSpare(spareBytes)
     {
     }
     /// Ends all heaps and blocks.
@@ -31,6 +51,12 @@ public:
     Page* TakeNew() noexcept;
     void GiveBack(Page& page) noexcept;
 
+    /// A block of at least that size, null when there is no memory.
+    void* TakeLarge(std::size_t size) noexcept;
+    void GiveBack(LargeBlock& block) noexcept;
+    /// Gives all spare memory back to the system; false if there was none.
+    bool DropSpare() noexcept;
+
     /// An idle heap or a new one, for the calling thread alone; null when there is no memory.
     PageHeap* TakeHeap() noexcept;
     /// Makes a heap idle. Its blocks stay valid.
@@ -38,7 +64,7 @@ public:
     /// All idle heaps, linked by NextIdle, for the calling thread alone. It parks each of them again.
     PageHeap* BorrowIdle() noexcept;
 
-    /// Gives every free chunk back to the system, after having collected the idle heaps.
+    /// Gives every free chunk and what is spare back to the system, after having collected the idle heaps.
     void Collect() noexcept;
 
     /// Chunks that it holds now.
@@ -50,8 +76,11 @@ public:
 
 private:
     Page* Pop() noexcept;
-    Chunk* MapChunk() noexcept;
-    void AddChunk() noexcept;
+    Stretch Map(std::size_t bytes) noexcept;
+    Stretch TakeStretch(std::size_t bytes) noexcept;
+    bool AddChunk() noexcept;
+    void Keep(const Stretch& stretch) noexcept;
+    Stretch OldSpare() noexcept;
     bool IsSpare(const Chunk& chunk, std::size_t keptPages) const noexcept;
     void Detach(Chunk& chunk) noexcept;
 
@@ -61,6 +90,7 @@ private:
     const std::size_t FKeptPages;
     Chunk* FChunks = nullptr;
     std::size_t FChunkCount = 0;
+    SpareStretches FSpare;
     bool FHugePagesPay = true;
     PageHeap* FHeaps = nullptr;
     PageHeap* FIdle = nullptr;
