@@ -161,8 +161,10 @@ TEST(json_parser, equal_names_share_one_string)
     const String* shared = nullptr;
     String first;
     for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(i == 1 ? parser.Tokenizer()->NextNSToken() : parser.NextName());
-        EXPECT_EQ(parser.NextNameValue(), jtInt);
+        // A word is no name in quotes.
+        ASSERT_EQ(parser.NextQuotedName(), i != 2);
+        ASSERT_TRUE(i != 2 || parser.Tokenizer()->NextNSToken());
+        EXPECT_EQ(i == 2 ? parser.NextNameValue() : parser.NextValue(), jtInt);
         if (i == 0) {
             first = parser.Name();
             shared = &parser.Member()->Tag().Name;
@@ -170,10 +172,10 @@ TEST(json_parser, equal_names_share_one_string)
         EXPECT_TRUE(parser.Name().IsSame(first));
         EXPECT_EQ(&parser.Member()->Tag().Name, shared);
     }
-    // A name that was read and then passed over is not taken for the one behind it.
-    THtJSONParser passed(u"'a' 'b':1"_s);
-    ASSERT_TRUE(passed.NextName() && passed.Tokenizer()->NextNSToken());
-    passed.NextNameValue();
+    // One without a ":" is left to the tokenizer.
+    THtJSONParser passed(u" 'a' 'b':1"_s);
+    EXPECT_FALSE(passed.NextQuotedName());
+    ASSERT_TRUE(passed.Tokenizer()->NextNSToken() && passed.NextQuotedName());
     EXPECT_EQ(passed.Name(), u"b");
 }
 
@@ -181,7 +183,8 @@ TEST(json_parser, an_empty_text_has_no_tokenizer)
 {
     THtJSONParser parser{String()};
     EXPECT_EQ(parser.Tokenizer(), nullptr);
-    EXPECT_FALSE(parser.NextName());
+    EXPECT_FALSE(parser.NextQuotedName());
+    EXPECT_EQ(MessageOf<EHtJSONParserException>([&] { parser.NextValue(); }), u"Value expected");
     EXPECT_EQ(MessageOf<EHtJSONParserException>([&] { parser.NextNameValue(); }), u"Name expected");
     EXPECT_EQ(parser.Member(), nullptr);
     EXPECT_EQ(parser.Name(), u"");

@@ -22,7 +22,7 @@ std::uint64_t OrderOf(std::u16string_view name)
     return order;
 }
 
-bool IsPlain(std::u16string_view name)
+bool IsPlainName(std::u16string_view name)
 {
     return std::none_of(name.begin(), name.end(),
         [](char16_t c) { return c < u' ' || c == u'"' || c == u'\'' || c == u'\\'; });
@@ -42,8 +42,8 @@ bool IsPlain(std::u16string_view name)
 
 THtMemberName::THtMemberName(const String& name)
     : THtNameObjectPair(name, nullptr, false)
+    , IsPlain(IsPlainName(name))
     , Order(OrderOf(name))
-    , FIsPlain(IsPlain(name))
 {
 }
 
@@ -61,27 +61,22 @@ THtJSONParser::THtJSONParser(const String& s)
 
 THtJSONParser::~THtJSONParser() = default;
 
-bool THtJSONParser::NextName()
+bool THtJSONParser::NextQuotedName()
 {
     if (!FTokenizer)
         return false;
+    TStringParser& cursor = FTokenizer->Parser();
+    FTokenizer->PassBlanks();
+    const char16_t* const from = cursor.p;
     std::u16string_view text;
     if (!FTokenizer->ReadStringView(text))
-        return FTokenizer->NextNSToken();
-    FFoundName = &Intern(text);
-    FTokenizer->FToken.Name = FFoundName->Name;
-    return true;
-}
-
-bool THtJSONParser::NextGuess(THtMemberName* guess, THtJSONTokenType& type)
-{
-    if (!FTokenizer || !guess || !guess->FIsPlain)
         return false;
-    const auto read = FTokenizer->ReadPlainMember(guess->Name);
-    if (read == THtJSONTokenizer::pmNone)
+    THtMemberName& name = Intern(text);
+    if (!FTokenizer->PassColon()) {
+        cursor.p = from;
         return false;
-    FName = guess;
-    type = read == THtJSONTokenizer::pmString ? jtIdent : ReadValue();
+    }
+    FName = &name;
     return true;
 }
 
@@ -92,12 +87,13 @@ THtJSONTokenType THtJSONParser::NextNameValue()
     FName = &TokenName();
     if (!FTokenizer->PassColon() && (!FTokenizer->NextNSToken() || FTokenizer->Type() != jtColon))
         RaiseNameExpected();
-    return ReadValue();
+    return NextValue();
 }
 
-/// Reads the first token behind a ":".
-THtJSONTokenType THtJSONParser::ReadValue()
+THtJSONTokenType THtJSONParser::NextValue()
 {
+    if (!FTokenizer)
+        RaiseValueExpected();
     THtJSONTokenizer& tokens = *FTokenizer;
     if (!tokens.NextNSToken())
         RaiseValueExpected();
@@ -127,9 +123,6 @@ THtMemberName& THtJSONParser::TokenName()
     const THtJSONToken& token = FTokenizer->Token();
     if (token.CType != jtIdent && token.CType != jtString)
         RaiseNameExpected();
-    // The entry keeps its text, so the units of no other token can be the same.
-    if (FFoundName && FFoundName->Name.IsSame(token.Name))
-        return *FFoundName;
     return Intern(token.Name);
 }
 

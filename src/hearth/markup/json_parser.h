@@ -19,6 +19,8 @@ public:
     /// The name with all that a tag needs, looked up on first use.
     const THtTagName& Tag();
 
+    /// Looks in a text as it does here.
+    bool IsPlain;
     /// The first four units as one number: names whose numbers differ are in the order of the numbers.
     std::uint64_t Order;
     /// The name that stood behind this one last time, and the first one inside its object. Guesses for the
@@ -27,9 +29,6 @@ public:
     THtMemberName* Inside = nullptr;
 
 private:
-    friend class THtJSONParser;
-
-    bool FIsPlain; // looks in a text as it does here
     std::optional<THtTagName> FTag;
 };
 
@@ -57,12 +56,15 @@ public:
     /// The same with what is known of it; null before the first one.
     THtMemberName* Member() const noexcept { return FName; }
 
-    /// NextNSToken of the tokenizer, for a place where a name is expected: one that was met before costs no
-    /// string. False for an empty text.
-    bool NextName();
-    /// NextName and NextNameValue in one, where `guess` comes next as a string without escapes: `type` is
-    /// what the latter gives. False, with only blanks read, where something else comes, and for null.
-    bool NextGuess(THtMemberName* guess, THtJSONTokenType& type);
+    // The steps of NextNameValue, for readers that know the common forms.
+
+    /// Reads a name in quotes and the ":" behind it without making tokens of them. False, with only blanks
+    /// read, where something else stands, and for an empty text.
+    bool NextQuotedName();
+    /// Makes a name the current one whose text and ":" the caller has passed over.
+    void TakeName(THtMemberName& name) noexcept { FName = &name; }
+    /// NextNameValue from behind the ":" on.
+    THtJSONTokenType NextValue();
 
     /// The bounds of this run, a copy of those of the process.
     THtLimits Limits = HtLimits();
@@ -70,11 +72,9 @@ public:
 private:
     THtMemberName& Intern(std::u16string_view name);
     THtMemberName& TokenName();
-    THtJSONTokenType ReadValue();
 
     THtStringList FNames;
     THtMemberName* FName = nullptr; // the current one
-    THtMemberName* FFoundName = nullptr; // the one that NextName has found last
     std::optional<THtJSONTokenizer> FTokenizer;
 };
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/markup/json_tokenizer.h>
 
-#include <hearth/foundation/hash_table.h>
 #include <hearth/runtime/simd_p.h>
 #include <hearth/runtime/text_format.h>
 
@@ -55,11 +54,6 @@ constexpr bool IsInWord(char16_t c) noexcept
 constexpr bool IsControl(char16_t c) noexcept
 {
     return c < u' ';
-}
-
-constexpr bool IsQuote(char16_t c) noexcept
-{
-    return c == u'"' || c == u'\'';
 }
 
 std::u16string_view Slice(const char16_t* from, const char16_t* to)
@@ -201,41 +195,6 @@ bool THtJSONTokenizer::PassColon() noexcept
         return false;
     ++FParser.p;
     return true;
-}
-
-// Most members of most documents are of this form, so the cursor is not moved step by step.
-THtJSONTokenizer::TPlainMember THtJSONTokenizer::ReadPlainMember(std::u16string_view name)
-{
-    const char16_t quote = PassBlanks();
-    const char16_t* p = FParser.p;
-    const auto length = static_cast<std::ptrdiff_t>(name.size());
-    if (!IsQuote(quote) || FParser.pend - p < length + 2 || p[length + 1] != quote
-        || !detail::SameUnits(name.data(), p + 1, name.size()))
-        return pmNone;
-    p = BehindBlanks(p + length + 2);
-    if (*p != u':')
-        return pmNone;
-    p = BehindBlanks(p + 1);
-    FParser.p = p;
-    const char16_t* const stop = IsQuote(*p) ? FindStringStop(p + 1, FParser.pend, *p) : p;
-    if (stop == p || stop == FParser.pend || *stop != *p)
-        return pmName;
-    FToken.CType = jtString;
-    FToken.Name = String(Slice(p + 1, stop));
-    FToken.StartPos = FParser.Offset();
-    FParser.p = stop + 1;
-    FToken.EndPos = FParser.Offset();
-    return pmString;
-}
-
-/// The end of the blanks that begin at `p`, which may be none.
-const char16_t* THtJSONTokenizer::BehindBlanks(const char16_t* p) const noexcept
-{
-    if (ClassOf(*p) == jcSpace) {
-        while (p < FParser.pend && *p <= u' ')
-            ++p;
-    }
-    return p;
 }
 
 void THtJSONTokenizer::ReadNumber()

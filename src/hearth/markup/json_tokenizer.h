@@ -50,14 +50,7 @@ private:
     /// Passes over blanks and a ":" without making a token of it. False, with only blanks read, where
     /// something else stands.
     bool PassColon() noexcept;
-    /// What ReadPlainMember met.
-    enum TPlainMember : std::uint8_t { pmNone, pmName, pmString };
-    /// Reads `name` in quotes, ":" and a string without escapes, which becomes the token, as three calls of
-    /// NextNSToken would (pmString); name and ":" where something else stands behind (pmName); otherwise only
-    /// blanks (pmNone). There are no quotes and escapes in `name`.
-    TPlainMember ReadPlainMember(std::u16string_view name);
     char16_t PassRealBlanks() noexcept;
-    const char16_t* BehindBlanks(const char16_t* p) const noexcept;
 
     void SetBlanks(const char16_t* from);
     void ReadToken();

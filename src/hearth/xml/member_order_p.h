@@ -26,6 +26,9 @@ public:
     /// until the next call.
     std::span<const std::uint32_t> Of(std::span<const TJsonMember> members)
     {
+        static constexpr std::uint32_t kOnly = 0;
+        if (members.size() == 1)
+            return {&kOnly, 1};
         const std::uint64_t key =
             members.front().Name->Order * 31 + members.back().Name->Order + members.size();
         TKind& kind = FKinds.data()[(key * 0x9E3779B97F4A7C15U) >> 58U];

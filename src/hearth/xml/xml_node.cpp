@@ -38,12 +38,8 @@ THtXMLNode& THtXMLNode::Typed(THtNode& node)
 /// A new last child of the class that this node wants for the tag, which it does not get yet.
 THtXMLNode& THtXMLNode::NewChild(const THtTagName& tag)
 {
-    if (typeid(*this) == typeid(THtXMLNode)) {
-        // No hook is overridden here.
-        auto child = std::make_unique_for_overwrite<THtXMLNode>();
-        THtNode::GetNodes().Add(child.get());
-        return *child.release();
-    }
+    if (typeid(*this) == typeid(THtXMLNode))
+        return AddPlain(*this);
     const THtNodeClass childClass = GetElementClass(tag, nullptr);
     if (childClass && !childClass.Info->InheritsFrom(kClassInfo))
         throw EAssertionFailed(u"The class of an XML element has to descend from THtXMLNode"_s);

@@ -216,6 +216,14 @@ private:
     static THtXMLNode& Typed(THtNode& node);
     static const THtXMLNode& Typed(const THtNode& node) { return Typed(const_cast<THtNode&>(node)); }
     THtXMLNode& NewChild(const THtTagName& tag);
+    /// NewChild of a node whose class is this one, so that no hook is overridden.
+    static THtXMLNode& AddPlain(THtXMLNode& parent)
+    {
+        THtNodeList& nodes = parent.FNodes ? *parent.FNodes : parent.THtNode::GetNodes();
+        auto child = std::make_unique_for_overwrite<THtXMLNode>();
+        nodes.Add(child.get());
+        return *child.release();
+    }
     THtXMLNode& NewElement(const THtTagName& tag);
     template <class Write> THtXMLNode* AddWritten(const String& tag, Write write);
     void Reset();

@@ -4,10 +4,13 @@
 
 #include <hearth/foundation/fast_string.h>
 #include <hearth/markup/node_walk_p.h>
+#include <hearth/xml/json_plain_p.h>
 #include <hearth/xml/member_order_p.h>
 #include <hearth/xml/xml_encode.h>
 
 #include <span>
+#include <typeinfo>
+#include <utility>
 
 namespace ht {
 
@@ -51,9 +54,9 @@ bool OpensContainer(THtJSONTokenType type)
 /// Whether nodes tell their kinds and plain members are nodes too.
 enum TJsonDetail : std::uint8_t { jdTexts, jdLossless };
 
-THtJSONKind KindOf(const THtJSONToken& token)
+THtJSONKind KindOf(const TJsonValue& value)
 {
-    switch (token.CType) {
+    switch (value.Type) {
     case jtObjectStart:
         return jkObject;
     case jtArrayStart:
@@ -62,7 +65,7 @@ THtJSONKind KindOf(const THtJSONToken& token)
     case jtFloat:
         return jkNumber;
     case jtValue:
-        return token.Name == u"null" ? jkNull : jkBoolean;
+        return value.Text == u"null" ? jkNull : jkBoolean;
     default:
         return jkString;
     }
@@ -81,17 +84,20 @@ public:
     TJsonReader(THtXMLNode& top, THtJSONParser& parser, TJsonDetail detail)
         : FParser(parser)
         , FTokens(*parser.Tokenizer())
+        , FPlain(FTokens.Parser())
         , FNode(&top)
         , FDetail(detail)
+        , FIsOfThisClass(typeid(top) == typeid(THtXMLNode))
     {
     }
 
     void Run()
     {
-        if (!OpensContainer(FTokens.Type()))
-            return ReadScalar();
-        Open(*FNode, nullptr);
-        while (!FLevels.IsEmpty()) {
+        TJsonValue value = TokenValue();
+        if (!OpensContainer(value.Type))
+            return SetOnly(value);
+        Open(*FNode, value, nullptr);
+        while (!FOuter.IsEmpty()) {
             if (FNode->FIsArray)
                 ReadElement();
             else
@@ -109,9 +115,12 @@ private:
 
     static char16_t EndOf(const THtXMLNode& node) { return node.FIsArray ? u']' : u'}'; }
 
-    void ReadScalar()
+    TJsonValue TokenValue() { return {FTokens.Type(), FTokens.TakeName()}; }
+
+    /// Makes the node one value that is no container.
+    void SetOnly(TJsonValue& value)
     {
-        if (!IsScalar(FTokens.Type()) && FTokens.Type() != jtIdent)
+        if (!IsScalar(value.Type) && value.Type != jtIdent)
             RaiseTokenExpected();
         FNode->FIsArray = false;
         if (FDetail == jdLossless) {
@@ -120,33 +129,33 @@ private:
         }
         if (FNode->FTag.IsEmpty())
             FNode->TagType = htString;
-        SetScalar(*FNode);
+        SetScalar(*FNode, value);
     }
 
-    void SetScalar(THtXMLNode& node)
+    void SetScalar(THtXMLNode& node, TJsonValue& value)
     {
         if (FDetail == jdLossless)
-            node.FJSONKind = KindOf(FTokens.Token());
-        node.SetValue(FTokens.TakeName());
+            node.FJSONKind = KindOf(value);
+        node.SetValue(value.Text);
     }
 
-    /// Makes `node` the container that the current token opens. One that ends at once is complete then.
-    void Open(THtXMLNode& node, THtMemberName* owner)
+    /// Makes `node` the container that has begun. One that ends at once is complete then.
+    void Open(THtXMLNode& node, const TJsonValue& value, THtMemberName* owner)
     {
-        node.FIsArray = FTokens.Type() == jtArrayStart;
+        node.FIsArray = value.Type == jtArrayStart;
         if (FDetail == jdLossless)
-            node.FJSONKind = KindOf(FTokens.Token());
+            node.FJSONKind = KindOf(value);
         const char16_t next = FTokens.PassBlanks();
         if (next == 0 && FTokens.Parser().Empty())
             RaiseTokenExpected();
         const std::int32_t limit = FParser.Limits.JsonDepth;
-        if (limit != 0 && FLevels.Length() >= limit)
+        if (limit != 0 && FOuter.Length() >= limit)
             throw EHtJSONParserException(u"JSON contains too many nested nodes"_s);
-        if (node.FTag.IsEmpty() && (FDetail == jdTexts || FLevels.IsEmpty()))
+        if (node.FTag.IsEmpty() && (FDetail == jdTexts || FOuter.IsEmpty()))
             node.SetTag(node.FIsArray ? ArrayTag() : ObjectTag());
         node.TagType = htIdent;
         FNode = &node;
-        FLevels.Add({FMembers.Length(), owner, nullptr});
+        FOuter.Add(std::exchange(FLevel, {FMembers.Length(), owner, nullptr}));
         if (next == EndOf(node))
             EndPart();
     }
@@ -163,7 +172,7 @@ private:
         for (char16_t next = FTokens.PassBlanks(); next == EndOf(*FNode); next = FTokens.PassBlanks()) {
             ++p;
             Close();
-            if (FLevels.IsEmpty())
+            if (FOuter.IsEmpty())
                 return;
         }
         if (*p != u',')
@@ -186,45 +195,71 @@ private:
 
     void ReadElement()
     {
-        FTokens.NextNSToken();
-        const THtJSONTokenType type = FTokens.Type();
-        if (OpensContainer(type))
-            return Open(AddElement(type == jtArrayStart ? ArrayTag() : ObjectTag()), FLevels.Last().Owner);
-        if (!IsScalar(type))
+        TJsonValue value;
+        if (!FPlain.Read(value)) {
+            FTokens.NextNSToken();
+            value = TokenValue();
+        }
+        if (OpensContainer(value.Type)) {
+            const THtTagName& tag = value.Type == jtArrayStart ? ArrayTag() : ObjectTag();
+            return Open(AddElement(tag), value, FLevel.Owner);
+        }
+        if (!IsScalar(value.Type))
             RaiseTokenExpected();
-        SetScalar(AddElement(ValueTag()));
+        SetScalar(AddElement(ValueTag()), value);
         EndPart();
     }
 
     void ReadMember()
     {
-        TLevel& level = FLevels.Last();
-        THtMemberName*& guess = level.Last ? level.Last->Behind : level.Owner ? level.Owner->Inside : FFirst;
-        THtJSONTokenType type = jtUnknown;
-        if (!FParser.NextGuess(guess, type)) {
-            FParser.NextName();
-            type = FParser.NextNameValue();
-        }
-        THtMemberName* const name = FParser.Member();
-        guess = level.Last = name;
-        if (OpensContainer(type))
-            return Open(AddElement(name->Tag()), name);
+        TJsonValue value;
+        THtMemberName& name = ReadNameValue(value);
+        if (OpensContainer(value.Type))
+            return Open(AddElement(name.Tag()), value, &name);
         if (FDetail == jdLossless) {
-            SetScalar(AddElement(name->Tag()));
+            SetScalar(AddElement(name.Tag()), value);
             return EndPart();
         }
-        if (name->Name.IsEmpty())
+        if (name.Name.IsEmpty())
             RaiseTokenExpected();
         // A first empty value is not stored, as with every attribute that is set.
-        const bool isFirst = FMembers.Length() == level.Members && !FNode->FAttributes;
-        if (!isFirst || !FTokens.Token().Name.IsEmpty())
-            FMembers.Add({name, FTokens.TakeName()});
+        const bool isFirst = FMembers.Length() == FLevel.Members && !FNode->FAttributes;
+        if (!isFirst || !value.Text.IsEmpty())
+            FMembers.Add({&name, std::move(value.Text)});
         EndPart();
+    }
+
+    /// Reads a name and what NextNameValue reads behind it. Objects of one kind come in rows, so the name
+    /// that stood in this place last time is tried first.
+    THtMemberName& ReadNameValue(TJsonValue& value)
+    {
+        THtMemberName*& guess = FLevel.Last ? FLevel.Last->Behind
+            : FLevel.Owner                  ? FLevel.Owner->Inside
+                                            : FFirst;
+        THtMemberName* name = guess;
+        bool isQuoted = true;
+        if (name && name->IsPlain && FPlain.PassName(name->Name)) {
+            FParser.TakeName(*name);
+        } else {
+            isQuoted = FParser.NextQuotedName();
+            if (!isQuoted) {
+                FTokens.NextNSToken();
+                FParser.NextNameValue();
+                value = TokenValue();
+            }
+            guess = name = FParser.Member();
+        }
+        if (isQuoted && !FPlain.Read(value)) {
+            FParser.NextValue();
+            value = TokenValue();
+        }
+        FLevel.Last = name;
+        return *name;
     }
 
     THtXMLNode& AddElement(const THtTagName& tag)
     {
-        THtXMLNode& child = FNode->NewChild(tag);
+        THtXMLNode& child = FIsOfThisClass ? AddPlain(*FNode) : FNode->NewChild(tag);
         child.SetTag(tag);
         child.TagType = htIdent;
         return child;
@@ -232,12 +267,13 @@ private:
 
     void Close()
     {
-        const std::int32_t from = FLevels.Last().Members;
+        const std::int32_t from = FLevel.Members;
         if (FMembers.Length() > from) {
             StoreMembers(std::span<TJsonMember>(FMembers.data() + from, FMembers.data() + FMembers.Length()));
             FMembers.Delete(from, FMembers.Length() - from);
         }
-        FLevels.Delete(FLevels.Length() - 1);
+        FLevel = FOuter.Last();
+        FOuter.Delete(FOuter.Length() - 1);
         FNode = FNode->GetParent();
     }
 
@@ -258,10 +294,13 @@ private:
 
     THtJSONParser& FParser;
     THtJSONTokenizer& FTokens;
+    TJsonPlainReader FPlain;
     THtXMLNode* FNode; // the innermost open container
     TJsonDetail FDetail;
+    bool FIsOfThisClass; // no class that overrides anything makes the nodes
     THtMemberName* FFirst = nullptr; // the first name in an object without a name around it
-    TArray<TLevel> FLevels;
+    TLevel FLevel{}; // of the innermost open container
+    TArray<TLevel> FOuter; // those around it, and in front of them one that is none
     TArray<TJsonMember> FMembers; // of all open containers, the outermost first
     TMemberOrder FOrder;
 };
