@@ -10,6 +10,8 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <random>
+#include <vector>
 
 namespace {
 
@@ -101,6 +103,51 @@ TEST(xml_node_json, messages)
         {u"[01]", "EConvertError: Incorrect number"},
         {u"[\"\\q\"]", "EHtJSONParserException: Incorrect unicode escape at line 0"},
     });
+}
+
+TEST(xml_node_json, names_that_are_guessed_and_values_of_all_forms)
+{
+    // Behind the first object each name is expected where it stood there.
+    ExpectJsonTrees({
+        {u"[{\"a\":\"1\",\"b\":true},{\"a\" : '2' , 'b':[] },{\"a\":1.5,\"bc\":null},{\"a\":nil,a:-0}]",
+            "<array[]>{<object a=\"1\" b=\"true\"> <object a=\"2\">{<b[]>} <object a=\"1.5\" bc=\"null\"> "
+            "<object a=\"-0\">}"},
+        {u"[{\"a\":1},{\"\\u0061\":\"\\u0062\"},{\"a\":1e2},{\"a\":{}}]",
+            "<array[]>{<object a=\"1\"> <object a=\"b\"> <object a=\"1e2\"> <object>{<a>}}"},
+        {u"[{\"a\":1},{\"a\"}]", "EHtJSONParserException: Name expected"},
+        {u"[{\"a\":1},{\"a\":}]", "EHtJSONParserException: Value expected"},
+        {u"[{\"a\":1},{\"a\":True}]", "EHtJSONParserException: Value expected"},
+        {u"[{\"a\":1},{\"a\":01}]", "EConvertError: Incorrect number"},
+        {u"[{\"a\":1},{\"a\":1.}]", "EConvertError: Incorrect number"},
+        {u"[{\"a\":1},{\"a\":1..2}]", "EConvertError: Incorrect number"},
+        {u"[{\"a\":1},{\"a\":true\"b\":1}]", "EHtJSONParserException: Incorrect JSON, token expected."},
+        {u"[{\"a\":1},{\"a\":\"x", "EHtJSONParserException: Unterminated string"},
+        {u"[{\"a\":1},{\"a\":\"x\t\"", "EHtJSONParserException: Unescaped control symbol #9 in \"x"},
+    });
+}
+
+TEST(xml_node_json, short_texts_share_units_and_keep_apart)
+{
+    std::u16string text = u"[";
+    std::vector<std::u16string> values;
+    std::mt19937 random(5);
+    while (text.size() < 20000) {
+        std::u16string& value = values.emplace_back(random() % 11, u'x');
+        for (char16_t& unit : value)
+            unit = u"ab1\u0100\uFFFF "[random() % 6];
+        text += u'"' + value + u"\",";
+    }
+    text += u"\"a\",\"a\"]"; // so near the end that no eight units are left
+    values.insert(values.end(), 2, u"a");
+    const auto root = THtXMLNode::CreatefromJSON(String(text));
+    ASSERT_EQ(root->GetCount(), static_cast<std::int32_t>(values.size()));
+    std::map<std::u16string, const THtNode*> first;
+    for (std::int32_t i = 0; i < root->GetCount(); ++i) {
+        const THtNode* node = root->GetNode(i);
+        ASSERT_EQ(node->Content().View(), values[static_cast<std::size_t>(i)]);
+        first.emplace(values[static_cast<std::size_t>(i)], node);
+    }
+    EXPECT_TRUE(first.at(u"b")->Content().ReferenceCount() > 1);
 }
 
 TEST(xml_node_json, the_limit_counts_nested_containers)

@@ -47,6 +47,23 @@ TEST(xml_node, elements_texts_and_the_rest)
     });
 }
 
+TEST(xml_node, elements_in_rows_read_as_if_each_stood_alone)
+{
+    ExpectXmlTrees({
+        {u"<a><b x='1' y='2'/><b x='3' y='4' /><b y='5' x='6'></b><b>t</b></a>",
+            "<a>{<b x=\"1\" y=\"2\"> <b x=\"3\" y=\"4\"> <b x=\"6\" y=\"5\"> <b> = \"t\"}"},
+        {u"<a><b/><bc/><b /><B/><b\n/><b ></b></a>", "<a>{<b> <bc> <b> <B> <b> <b>}"},
+        // The slash belongs to the name where a blank is behind it, and ends the element where it is not.
+        {u"<a><b/ x='1'></b/><b/></a>", "<a>{<b/ x=\"1\"> <b>}"},
+        {u"<a><b x='1'/><b xy='2'/><b x ='3'/><b x='4'y='5'/><b x=''/></a>",
+            "<a>{<b x=\"1\"> <b xy=\"2\"> <b x=\"3\"> <b x=\"4\" y=\"5\"> <b x=\"\">}"},
+        {u"<a><b y='1' xml:space='preserve'> </b><b z='1'> <c/></b><b xml:space='preserve'> <c/> </b></a>",
+            "<a>{<b xml:space=\"preserve\" y=\"1\"> = \" \" <b z=\"1\"> = \" \"{<c>} "
+            "<b xml:space=\"preserve\"> = \" \"{<c> \" \"}}"},
+        {u"<a><b/><b x", "<a>{<b>}"},
+    });
+}
+
 TEST(xml_node, blanks)
 {
     ExpectXmlTrees({

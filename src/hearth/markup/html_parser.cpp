@@ -66,6 +66,21 @@ std::u16string_view THtmlParser::NextBlanks() noexcept
     return RepeatCurrent ? std::u16string_view() : FTokenizer.ReadPlainBlanks();
 }
 
+bool THtmlParser::NextText(String& text)
+{
+    return !RepeatCurrent && FTokenizer.ReadPlainText(text);
+}
+
+THtmlParser::TNextLike THtmlParser::NextLike(const THtNode& element)
+{
+    if (RepeatCurrent || !FTokenizer.ReadPlainOpenTag(element.Tag()))
+        return nlOther;
+    StartItem();
+    TagType = htIdent;
+    Tag.Assign(element.Tag(), element.TagHash(), element.TagId());
+    return ReadAttributes() ? nlItem : nlEnd;
+}
+
 bool THtmlParser::ReadEndOf(const THtNode& element)
 {
     if (RepeatCurrent || !FTokenizer.ReadEndTag(element.TagId()))

@@ -40,11 +40,16 @@ public:
     /// is no string.
     bool NextItem();
     /// Short cuts of NextItem for a reader that knows what to expect and needs no fields: the end tag of
-    /// `tag`, written plainly, and a text of blanks with a tag behind it (else empty). They read nothing
-    /// where something else stands, or where an item is to be repeated. Lifetime of the blanks: that of the
-    /// text.
+    /// `tag`, written plainly, a text of blanks with a tag behind it (else empty), and a text behind a tag.
+    /// They read nothing where something else stands, or where an item is to be repeated. Lifetime of the
+    /// blanks: that of the text.
     bool SkipCloseTag(std::u16string_view tag) noexcept;
     std::u16string_view NextBlanks() noexcept;
+    bool NextText(String& text);
+    /// NextItem in XML mode for an item that is a start tag with the name of `element`, which a reader of
+    /// such tags has made. nlOther, with nothing read, for all others; nlEnd where NextItem would be false.
+    enum TNextLike : std::uint8_t { nlOther, nlItem, nlEnd };
+    TNextLike NextLike(const THtNode& element);
     /// NextItem for an item that is the plain end tag of the element. False, with nothing read, for all
     /// others.
     bool NextIsEndOf(const THtNode& element)

@@ -41,6 +41,10 @@ bool THtmlParser::NextInTag()
 {
     while (!FTokenizer.ReadPlainTagEnd()) {
         const THtNameRec* name = IsCloseTag ? nullptr : FTokenizer.ReadPlainAttributeName();
+        if (!name && FXMLMode && FTokenizer.ReadPlainEmptyEnd()) {
+            TagClosed = true;
+            return true;
+        }
         if (!name)
             return FTokenizer.NextToken(false);
         FAttributes.AddNew(name->Value, FTokenizer.ReadPlainValue());
@@ -51,6 +55,8 @@ bool THtmlParser::NextInTag()
 /// Reads to the end of the tag. False at the end of the text: a tag that is cut off is no item.
 bool THtmlParser::ReadAttributes()
 {
+    if (FXMLMode)
+        FTokenizer.StartAttributes(Tag.Hash);
     const bool more = NextInTag();
     if (!more || FTokenizer.Type() != htTagEnd || ActsAtEnd(Tag.Id)) [[unlikely]]
         return ReadOtherAttributes(more);

@@ -21,6 +21,7 @@ void THTMLTokenizer::SetNameTables(THtNameTable* tagNames, THtNameTable* attribu
 {
     FTagNames = tagNames;
     FAttributeNames = attributeNames;
+    FGuesses.fill(nullptr);
 }
 
 void THTMLTokenizer::Restart(const String& text)

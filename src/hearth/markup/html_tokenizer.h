@@ -6,6 +6,7 @@
 #include <hearth/markup/html_token.h>
 #include <hearth/markup/name_table.h>
 
+#include <array>
 #include <string>
 
 namespace ht {
@@ -92,17 +93,28 @@ private:
     bool ReadPlainText(String& text);
     /// Reads the ">" of a tag without a body, as NextToken would.
     bool ReadPlainTagEnd() noexcept;
+    /// Reads "/>" in XML mode, with a blank in front or not, as NextToken would. False, with nothing read,
+    /// where something else stands.
+    bool ReadPlainEmptyEnd() noexcept;
     /// Reads "</", the tag and ">", as NextToken would but for the token's name. False, with nothing read,
     /// where something else stands.
     bool ReadPlainCloseTag(std::u16string_view tag) noexcept;
+    /// Reads "<" and the tag with a blank, ">" or "/>" behind it, in XML mode, as two calls of NextToken
+    /// would. False, with nothing read, where something else stands.
+    bool ReadPlainOpenTag(const String& tag) noexcept;
     /// Reads a text of blanks behind a tag and in front of a "<", as NextToken would but for the token's
     /// name. Empty, with nothing read, where something else stands. Lifetime: that of the text.
     std::u16string_view ReadPlainBlanks() noexcept;
     void EndTagAt(const char16_t* end) noexcept;
+    const char16_t* BehindBlanks(const char16_t* p) const noexcept;
     /// Reads blanks, a known attribute name and the "=" in front of a quoted value in one step. Null, with
     /// nothing read, where something else stands. ReadPlainValue has to follow; both together do what
     /// NextToken(false) and three calls more would.
     const THtNameRec* ReadPlainAttributeName();
+    /// The name that is tried first in XML mode: the one that stood behind the same name last time.
+    const THtNameRec* GuessAttribute(const char16_t*& p);
+    /// Begins the attributes of a tag.
+    void StartAttributes(std::uint32_t tagHash) noexcept { FLastName = tagHash; }
     String ReadPlainValue();
     TTagHead ReadShortTagHead(const char16_t* name, bool closes);
     TTagHead ReadLongTagHead(const char16_t* name, bool closes);
@@ -150,6 +162,9 @@ private:
     TStringParser FParser;
     THTMLToken FToken;
     const THtNameRec* FNameRecord = nullptr;
+    static constexpr std::size_t kGuesses = 32;
+    std::array<const THtNameRec*, kGuesses> FGuesses{}; // by the hash of the name in front
+    std::uint32_t FLastName = 0; // the hash of the tag or attribute that was read last
     THtNameTable* FTagNames = nullptr;
     THtNameTable* FAttributeNames = nullptr;
     std::u16string FBuffer; // text that is put together around references

@@ -2,14 +2,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/foundation/hash_table.h>
 #include <hearth/markup/html_chars_p.h>
 #include <hearth/markup/html_tokenizer.h>
 #include <hearth/markup/short_name_p.h>
 #include <hearth/runtime/simd_p.h>
 
-#include <algorithm>
-
 namespace ht {
+
+/// "=" and a quote.
+inline bool OpensValue(const char16_t* p) noexcept
+{
+    return p[0] == u'=' && (p[1] == u'"' || p[1] == u'\'');
+}
 
 /// A tag name; "</" or "<" stands in front of it.
 inline THTMLTokenizer::TTagHead THTMLTokenizer::ReadTagHead(bool& isCloseTag)
@@ -114,6 +119,26 @@ inline bool THTMLTokenizer::ReadPlainText(String& text)
     return true;
 }
 
+inline bool THTMLTokenizer::ReadPlainEmptyEnd() noexcept
+{
+    const char16_t* const p = FParser.p + (*FParser.p == u' ');
+    if (p[0] != u'/' || p[1] != u'>')
+        return false;
+    FRawBody = rbNone;
+    EndTagAt(p + 1);
+    return true;
+}
+
+/// The end of the blanks that begin at `p`, which may be none.
+inline const char16_t* THTMLTokenizer::BehindBlanks(const char16_t* p) const noexcept
+{
+    if (ClassInTag(*p) == ccSpace) {
+        while (p < FParser.pend && *p <= u' ')
+            ++p;
+    }
+    return p;
+}
+
 inline bool THTMLTokenizer::ReadPlainCloseTag(std::u16string_view tag) noexcept
 {
     const char16_t* const p = FParser.p;
@@ -121,10 +146,34 @@ inline bool THTMLTokenizer::ReadPlainCloseTag(std::u16string_view tag) noexcept
     constexpr std::ptrdiff_t kMarks = 3;
     if (FParser.pend - p < length + kMarks || p[0] != u'<' || p[1] != u'/' || p[length + 2] != u'>')
         return false;
-    if (!std::equal(tag.begin(), tag.end(), p + 2))
+    if (!detail::SameUnits(tag.data(), p + 2, tag.size()))
         return false;
     FRawBody = rbNone;
     EndTagAt(p + length + kMarks - 1);
+    return true;
+}
+
+inline bool THTMLTokenizer::ReadPlainOpenTag(const String& tag) noexcept
+{
+    const char16_t* const p = FParser.p;
+    const auto length = static_cast<std::ptrdiff_t>(tag.size());
+    if (!FXMLMode || length == 0 || FParser.pend - p <= length || p[0] != u'<')
+        return false;
+    const char16_t* const end = p + 1 + length;
+    // "row/" is a name too, and "<row/>" is none of that name.
+    if (end[-1] == u'/')
+        return false;
+    if (*end != u'>' && ClassInTag(*end) != ccSpace && (*end != u'/' || end[1] != u'>'))
+        return false;
+    if (!detail::SameUnits(tag.data(), p + 1, tag.size()))
+        return false;
+    FParser.p = end;
+    FInTag = true;
+    FRawBody = rbNone;
+    FNameRecord = nullptr;
+    FLeftText = ltNothing;
+    FToken.Name = tag;
+    FToken.CType = htIdent;
     return true;
 }
 
@@ -148,12 +197,8 @@ inline std::u16string_view THTMLTokenizer::ReadPlainBlanks() noexcept
 
 inline const THtNameRec* THTMLTokenizer::ReadPlainAttributeName()
 {
-    const char16_t* p = FParser.p;
-    if (ClassInTag(*p) == ccSpace) {
-        while (p < FParser.pend && *p <= u' ')
-            ++p;
-    }
-    const THtNameRec* name = FAttributeNames ? FindAttribute(p) : nullptr;
+    const char16_t* p = BehindBlanks(FParser.p);
+    const THtNameRec* name = FXMLMode ? GuessAttribute(p) : FAttributeNames ? FindAttribute(p) : nullptr;
     // A name in capitals may have to be folded.
     if (!name || (!name->IsLower && !FCaseSensitive))
         return nullptr;
@@ -168,24 +213,38 @@ inline String THTMLTokenizer::ReadPlainValue()
     return ReadQuoted();
 }
 
+/// FindAttribute with a guess: elements of one name have attributes of the same names.
+inline const THtNameRec* THTMLTokenizer::GuessAttribute(const char16_t*& p)
+{
+    const THtNameRec*& guess = FGuesses.data()[FLastName % kGuesses];
+    const auto length = guess ? static_cast<std::ptrdiff_t>(guess->Value.size()) : 0;
+    if (guess && FParser.pend - p > length && OpensValue(p + length)
+        && detail::SameUnits(guess->Value.data(), p, guess->Value.size())) {
+        p += length + 1;
+    } else {
+        guess = FAttributeNames ? FindAttribute(p) : nullptr;
+        if (!guess)
+            return nullptr;
+    }
+    FLastName = guess->Hash;
+    return guess;
+}
+
 /// The record of a known name at `p` with "=" and a quote behind it, which `p` then points at; else null.
 inline const THtNameRec* THTMLTokenizer::FindAttribute(const char16_t*& p) const
 {
-    const auto opensValue = [](const char16_t* end) {
-        return end[0] == u'=' && (end[1] == u'"' || end[1] == u'\'');
-    };
     const char16_t* const from = p;
     if (FParser.pend - from >= kShortNameUnits) {
         const TShortName read = ReadShortName(from);
         p = from + read.Length + 1;
-        if (const THtNameRec* record = FAttributeNames->FindShort(read.Key); record && opensValue(p - 1))
+        if (const THtNameRec* record = FAttributeNames->FindShort(read.Key); record && OpensValue(p - 1))
             return record;
     }
     RSHasher hasher;
     p = from;
     for (; ClassInTag(*p) == ccIdentifier; ++p)
         hasher.Add(*p);
-    if (p == from || !opensValue(p++))
+    if (p == from || !OpensValue(p++))
         return nullptr;
     return FAttributeNames->Find(hasher.Value(), {from, static_cast<std::size_t>(p - 1 - from)});
 }

@@ -9,10 +9,14 @@
 
 #include <algorithm>
 #include <typeinfo>
+#include <utility>
 
 namespace ht {
 
 namespace {
+
+/// What texts have for a tag.
+constexpr THtTagName kNoTag;
 
 bool IsText(const THtmlParser& HP)
 {
@@ -75,6 +79,7 @@ public:
     TReader(THtXMLNode& top, THtmlParser& parser)
         : FTop(top)
         , FParser(parser)
+        , FIsPlain(typeid(top) == typeid(THtXMLNode))
     {
     }
 
@@ -82,26 +87,49 @@ public:
     {
         if (!Open(FTop))
             return;
-        while (!FOpened.IsEmpty()) {
-            if (FParser.SkipCloseTag(FNode->FTag)) {
-                Close();
-            } else if (!FNode->FPreserveSpace && AddBlanks(FParser.NextBlanks())) {
-                continue;
-            } else if (!FParser.NextItem()) {
-                break;
-            } else if (FParser.IsCloseTag) {
-                CheckCloseTag();
-                Close();
-            } else {
-                AddItem();
-            }
-        }
+        while (!FOpened.IsEmpty() && ReadPart()) { }
         // The end of the text ends all elements.
         while (!FOpened.IsEmpty())
             Close();
     }
 
 private:
+    /// An open element.
+    struct TOpened {
+        std::size_t Blanks; // where its blanks begin
+        const THtXMLNode* Last; // the last element in it
+    };
+
+    /// Reads an item of the innermost open element; false at the end of the text.
+    bool ReadPart()
+    {
+        if (FParser.SkipCloseTag(FNode->FTag)) {
+            Close();
+            return true;
+        }
+        String text;
+        if (!FNode->FPreserveSpace && AddBlanks(FParser.NextBlanks()))
+            return true;
+        if (FParser.NextText(text)) {
+            AddText(std::move(text));
+            return true;
+        }
+        // Elements of one name come in rows. No class of a program's own sees them in between.
+        const THtXMLNode* last = FOpened.Last().Last;
+        const auto next = last && FIsPlain ? FParser.NextLike(*last) : THtmlParser::nlOther;
+        if (next == THtmlParser::nlEnd || (next == THtmlParser::nlOther && !FParser.NextItem()))
+            return false;
+        if (FParser.IsCloseTag) {
+            CheckCloseTag();
+            Close();
+        } else if (IsText(FParser)) {
+            AddText(FParser.Value);
+        } else {
+            AddChild();
+        }
+        return true;
+    }
+
     /// Makes `node` the element of the current item. False when it is complete with that.
     bool Open(THtXMLNode& node)
     {
@@ -110,21 +138,28 @@ private:
             RaiseTooDeep();
         node.SetTag(FParser.Tag);
         node.TagType = FParser.TagType;
-        if (FParser.Attributes()) {
-            node.ReplaceAttributes(FParser.TakeAttributes());
-            node.FPreserveSpace = node.HasAttributeValue(u"xml:space", u"preserve");
-        }
+        if (FParser.Attributes())
+            TakeAttributes(node);
         if (FParser.TagClosed)
             return false;
         ++FParser.FStackLevel;
-        FOpened.Add(FBlanks.size());
+        FOpened.Add({FBlanks.size(), nullptr});
         FNode = &node;
         return true;
     }
 
+    void TakeAttributes(THtXMLNode& node)
+    {
+        constexpr std::u16string_view kSpace = u"xml:space";
+        node.ReplaceAttributes(FParser.TakeAttributes());
+        // Most names are in front of this one, so the last one tells that it is not there.
+        if (node.FAttributes->List().back().Name.View() >= kSpace)
+            node.FPreserveSpace = node.HasAttributeValue(kSpace, u"preserve");
+    }
+
     void Close()
     {
-        const std::size_t from = FOpened.Last();
+        const std::size_t from = FOpened.Last().Blanks;
         if (FBlanks.size() > from) {
             const std::u16string_view blanks = std::u16string_view(FBlanks).substr(from);
             FNode->FContent = FNode->FContent.IsEmpty() ? String(blanks) : FNode->FContent + blanks;
@@ -149,30 +184,34 @@ private:
         return !blanks.empty();
     }
 
-    void AddItem()
+    void AddText(String text)
     {
-        if (IsText(FParser)) {
-            if (!FNode->FPreserveSpace && IsBlankText(FParser.Value)) {
-                AddBlanks(FParser.Value);
-                return;
-            }
-            if (FNode->GetCount() == 0 && FNode->FContent.IsEmpty() && FBlanks.size() == FOpened.Last()) {
-                FNode->FContent = FParser.Value;
-                return;
-            }
+        if (!FNode->FPreserveSpace && *text.data() <= u' ' && IsBlankText(text)) {
+            AddBlanks(text);
+            return;
         }
-        AddChild();
+        const bool isFirst =
+            FNode->GetCount() == 0 && FNode->FContent.IsEmpty() && FBlanks.size() == FOpened.Last().Blanks;
+        THtXMLNode& node = isFirst ? *FNode : NewChild(kNoTag);
+        if (!isFirst)
+            node.TagType = htString;
+        node.FContent = std::move(text);
     }
+
+    THtXMLNode& NewChild(const THtTagName& tag) { return FIsPlain ? AddPlain(*FNode) : FNode->NewChild(tag); }
 
     void AddChild()
     {
-        THtXMLNode& child = FNode->NewChild(FParser.Tag);
+        THtXMLNode& child = NewChild(FParser.Tag);
         child.TagType = FParser.TagType;
         if (FParser.TagType == htDirective && DeclaresUtf8(FParser.Value))
             FParser.ChangeEncoding(heUTF8, 0);
-        if (FParser.Tag.IsEmpty())
+        if (FParser.Tag.IsEmpty()) {
             child.FContent = FParser.Value;
-        else if (typeid(child) == typeid(THtXMLNode))
+            return;
+        }
+        FOpened.Last().Last = &child;
+        if (FIsPlain || typeid(child) == typeid(THtXMLNode))
             Open(child);
         else
             ParseDescendant(child);
@@ -188,8 +227,9 @@ private:
 
     THtXMLNode& FTop;
     THtmlParser& FParser;
+    bool FIsPlain; // no class of this tree overrides anything
     THtXMLNode* FNode = nullptr; // the innermost open element
-    TArray<std::size_t> FOpened; // where the blanks of each open element begin
+    TArray<TOpened> FOpened;
     std::u16string FBlanks; // of all open elements, the outermost first
 };
 
