@@ -1,17 +1,12 @@
-// Colour arithmetic at its edges, and blurs that keep what is even.
+// Colour arithmetic at its edges.
 // SPDX-License-Identifier: MIT
 #include <hearth/foundation/color_math.h>
-#include <hearth/foundation/geometry_helpers.h>
-#include <hearth/foundation/kernels.h>
 #include <hearth/runtime/exceptions.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
-#include <vector>
 
 namespace ht {
 namespace {
@@ -84,79 +79,6 @@ TEST(color_math, one_color)
     EXPECT_FALSE(OneColor(pixels, 1, 3));
     EXPECT_FALSE(OneColor(pixels, 1, 0));
     EXPECT_FALSE(OneColor(nullptr, 1, 3));
-}
-
-TEST(kernels, weights)
-{
-    TKernel kernel;
-    MakeGaussianKernel(kernel, 1, 255, 3);
-    EXPECT_EQ(kernel.Size, 8);
-    const float* const middle = &kernel.Weights[TKernel::kMaxSize];
-    EXPECT_NEAR(std::accumulate(middle - 8, middle + 9, 0.0), 1, 1e-6);
-    EXPECT_NEAR(middle[3] / middle[0], std::exp(-0.5), 1e-6);
-    EXPECT_EQ(kernel.IWeights[TKernel::kMaxSize - 9], 0);
-    EXPECT_EQ(kernel.IWeights[TKernel::kMaxSize],
-        static_cast<std::int32_t>(std::ceil(double{middle[0]} * 16777215)));
-    // As much as 255 wholes may lie beyond, so only the least size is left.
-    MakeGaussianKernel(kernel, 255, 1, 3);
-    EXPECT_EQ(kernel.Size, 1);
-    MakeGaussianKernel(kernel, 1, 255, 999);
-    EXPECT_EQ(kernel.Size, 29);
-    MakeGaussianKernel(kernel, 0, 255, 1);
-    EXPECT_EQ(kernel.Size, 30);
-    for (const double radius : {0.0, 1e-6, -3.0, 1000.0, std::nan("")})
-        EXPECT_THROW(MakeGaussianKernel(kernel, 1, 255, radius), EAssertionFailed) << radius;
-}
-
-TEST(kernels, even_pixels_stay_and_others_mix)
-{
-    static constexpr TRGBTriple kEven{255, 1, 128, 0};
-    for (const double radius : {0.00001, 0.5, 3.0, 999.0}) {
-        std::vector<TRGBTriple> pixels(35, kEven);
-        FastBlur(pixels, 7, 5, radius);
-        EXPECT_TRUE(std::all_of(pixels.begin(), pixels.end(), [](auto pixel) { return pixel == kEven; }))
-            << radius;
-    }
-    std::vector<TRGBTriple> dot(81);
-    dot[40] = {255, 255, 255, 255};
-    FastBlur(dot, 9, 9, 1);
-    for (std::size_t i = 0; i < dot.size(); ++i) {
-        EXPECT_EQ(dot[i], dot[80 - i]);
-        EXPECT_EQ(dot[i], dot[i % 9 * 9 + i / 9]);
-    }
-    EXPECT_EQ(dot[40].g, 41); // 255 / 2 pi
-    EXPECT_GT(dot[41].a, dot[42].a);
-    FastBlur(dot, 0, 9, 1);
-    EXPECT_THROW(FastBlur(dot, 9, 10, 1), ERangeError);
-    EXPECT_THROW(FastBlur(dot, -9, -9, 1), ERangeError);
-    TKernel wide;
-    wide.Size = 31;
-    TArray<TRGBTriple> work;
-    EXPECT_THROW(BlurRow(dot, wide, work), ERangeError);
-}
-
-TEST(geometry_helpers, rectangles)
-{
-    TRect rect{10, 10, 20, 30};
-    RSetLocation(rect, 1, 2);
-    EXPECT_EQ(rect, (TRect{1, 2, 11, 22}));
-    RInflate(rect, 1, -2);
-    ROffset(rect, 0, 1);
-    EXPECT_EQ(rect, (TRect{0, 5, 12, 21}));
-    EXPECT_TRUE(RContains(rect, 0, 5));
-    EXPECT_FALSE(RContains(rect, TPoint{12, 5}));
-    EXPECT_TRUE(RectInside(rect, rect));
-    EXPECT_FALSE(RectInside(TRect{0, 5, 13, 21}, rect));
-    EXPECT_FALSE(RectIntersects(rect, TRect{12, 5, 13, 21}));
-    EXPECT_EQ(RIntersect(R2F(rect), TRectF{11.5F, 0, 99, 5.5F}), (TRectF{11.5F, 5, 12, 5.5F}));
-    EXPECT_EQ(R2R({-0.5F, 0.4F, 1.5F, 2.5F}), (TRect{-1, 0, 2, 3}));
-    EXPECT_THROW(P2P({3e9F, 0}), ERangeError);
-    TRect edge{0, 0, 2, 2};
-    EXPECT_THROW(RSetLocation(edge, std::numeric_limits<std::int32_t>::max(), 0), EIntOverflow);
-    EXPECT_EQ(edge.Left, 0);
-    EXPECT_TRUE(Between(1.0F, 1.0F, 1.0F));
-    EXPECT_FALSE(Between(std::nanf(""), 0.0F, 1.0F));
-    EXPECT_FALSE(Between(2, 3, 1));
 }
 
 }

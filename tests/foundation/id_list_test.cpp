@@ -1,5 +1,6 @@
 // Id lists: the order of equals, the errors by their words, sorting that cannot be slowed down.
 // SPDX-License-Identifier: MIT
+#include "foundation/counted.h"
 #include "runtime/messages.h"
 
 #include <hearth/foundation/id_list.h>
@@ -140,6 +141,17 @@ TEST(id_list, sorting_takes_no_quadratic_time)
     list.SetSorted(true);
     for (int i = 1; i < kCount; ++i)
         ASSERT_LE(list[i - 1], list[i]);
+}
+
+TEST(id_list, frees_objects_when_asked)
+{
+    TIDList list;
+    list.AddObject(1, static_cast<TObject*>(new Counted));
+    list.Add(2);
+    list.FreeObjects();
+    list.FreeObjects();
+    EXPECT_EQ(Counted::Alive, 0);
+    EXPECT_EQ(list.GetObject(0), nullptr);
 }
 
 TEST(id_list, the_greatest_index)
