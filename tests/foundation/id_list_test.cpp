@@ -10,6 +10,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace ht {
 namespace {
@@ -121,6 +122,47 @@ TEST(id_list, unsorted_lists_and_capacity)
             steps += std::to_string(list.Capacity()) + " ";
     }
     EXPECT_EQ(steps, "4 8 12 28 44 60 76 95 118 147 183 228 ");
+}
+
+TEST(id_list, a_comparison_that_changes_the_list_sorts_nothing)
+{
+    struct Row {
+        void (*change)(TIDList&);
+        std::int32_t count;
+    };
+    const Row rows[] = {{[](TIDList& list) { list.Clear(); }, 0},
+        {[](TIDList& list) {
+             while (list.Count() < 104)
+                 list.Insert(1, 7);
+         },
+            104},
+        {[](TIDList& list) { list.PutObject(0, Mark(1)); }, 64},
+        {[](TIDList& list) { list.SetSorted(true); }, 64}};
+    for (const Row& row : rows) {
+        TIDList list;
+        for (std::int32_t i = 0; i < 64; ++i)
+            list.Add(i);
+        bool first = true;
+        list.CustomSort([&](const TIDItem& a, const TIDItem& b) {
+            if (std::exchange(first, false))
+                row.change(list);
+            return b.FID - a.FID;
+        });
+        EXPECT_EQ(list.Count(), row.count);
+        EXPECT_EQ(list.IndexOf(0), row.count > 0 ? 0 : -1);
+    }
+}
+
+TEST(id_list, a_comparison_that_contradicts_itself_loses_no_entry)
+{
+    std::mt19937 random(3);
+    TIDList list;
+    for (std::int32_t i = 0; i < 1000; ++i)
+        list.Add(i);
+    list.CustomSort([&](const TIDItem&, const TIDItem&) { return static_cast<int>(random() % 3) - 1; });
+    list.Sort();
+    for (std::int32_t i = 0; i < 1000; ++i)
+        ASSERT_EQ(list[i], i);
 }
 
 TEST(id_list, sorting_takes_no_quadratic_time)

@@ -44,8 +44,12 @@ TEST(lists, tells_what_comes_and_goes_but_not_of_null)
     list.SetItems(0, Item(5));
     list.SetCount(1);
     list.SetCount(3);
+    EXPECT_EQ(list.Extract(nullptr), nullptr);
+    EXPECT_EQ(list.Count(), 2);
+    list.Insert(0, Item(6));
+    list.Insert(0, nullptr);
     list.Clear();
-    EXPECT_EQ(list.Log, "x2-3-1+5-4-5");
+    EXPECT_EQ(list.Log, "x2-3-1+5-4+6-6-5");
 }
 
 TEST(lists, indexes_outside_are_named)
@@ -60,6 +64,25 @@ TEST(lists, indexes_outside_are_named)
     EXPECT_EQ(MessageOf<EListError>([&] { list.SetCapacity(0); }), u"List capacity out of bounds (0)");
     EXPECT_EQ(MessageOf<EListError>([] { TList().Last(); }), u"List index out of bounds (-1)");
     EXPECT_EQ(list.Count(), 1);
+}
+
+TEST(lists, inserts_exchanges_and_takes_over)
+{
+    TList list;
+    for (int i : {1, 3})
+        list.Add(Item(i));
+    list.Insert(1, Item(2));
+    list.Insert(3, Item(4));
+    list.Exchange(0, 3);
+    TList other;
+    other.Add(Item(9));
+    other.SetCapacity(100);
+    other.SetCapacity(50);
+    EXPECT_EQ(other.Capacity(), 50);
+    other.Assign(list);
+    other.Assign(other);
+    EXPECT_THAT(
+        std::vector<void*>(other.begin(), other.end()), ElementsAre(Item(4), Item(2), Item(3), Item(1)));
 }
 
 TEST(lists, moves_and_sorts)
@@ -88,6 +111,19 @@ TEST(lists, a_comparison_that_contradicts_itself_loses_no_item)
     list.Sort([](void* a, void* b) { return a < b ? -1 : a > b; });
     for (int i = 1; i <= 1000; ++i)
         ASSERT_EQ(list[i - 1], Item(i));
+}
+
+TEST(lists, a_comparison_that_changes_the_list_sorts_nothing)
+{
+    TList list;
+    for (int i = 4; i > 0; --i)
+        list.Add(Item(i));
+    list.Sort([&](void* a, void* b) {
+        list.SetItems(3, Item(9));
+        return a < b ? -1 : a > b;
+    });
+    EXPECT_THAT(
+        std::vector<void*>(list.begin(), list.end()), ElementsAre(Item(4), Item(3), Item(2), Item(9)));
 }
 
 }

@@ -234,7 +234,11 @@ std::int32_t TIDList::IndexOfObject(const void* object) const noexcept
 void TIDList::CustomSort(const TIDListSortCompare& compare)
 {
     RequireUnsorted();
-    StableSort(FItems, compare);
+    const detail::Items<TIDItem> before = FItems;
+    const detail::Items<TIDItem> sorted = StableSorted(before, compare);
+    // A comparison that changed the list has sorted something else.
+    if (!FSorted && FItems == before)
+        std::copy(sorted.begin(), sorted.end(), FItems.begin());
 }
 
 void TIDList::FreeObjects()

@@ -16,6 +16,8 @@ struct TIDItem {
     std::int32_t FID = 0;
     std::uint32_t FTag = 0;
     void* FObject = nullptr;
+
+    friend bool operator==(const TIDItem&, const TIDItem&) = default;
 };
 
 using PIDItemList = TIDItem*;
@@ -72,8 +74,8 @@ public:
     void InsertObject(std::int32_t index, std::int32_t id, void* object);
     /// Index of the first entry with this pointer, -1 when there is none.
     std::int32_t IndexOfObject(const void* object) const noexcept;
-    /// Sorts stably; any comparison is safe, and one that throws leaves the order as it was. Throws
-    /// EListError "SSortedListError" on a sorted list.
+    /// Sorts stably; any comparison is safe. One that throws, or changes the list, leaves the order alone.
+    /// Throws EListError "SSortedListError" on a sorted list.
     void CustomSort(const TIDListSortCompare& compare);
     /// Deletes the objects of all entries, whose pointers must have been put in as TObject*.
     void FreeObjects();

@@ -6,6 +6,8 @@
 #include <hearth/runtime/stable_sort.h>
 #include <hearth/runtime/text_format.h>
 
+#include <algorithm>
+
 namespace ht {
 
 TList::~TList() = default;
@@ -34,10 +36,14 @@ void TList::SetCapacity(std::int32_t capacity)
 {
     if (capacity < Count() || capacity > kMaxListSize)
         throw EListError(Format(u"List capacity out of bounds (%d)", {capacity}));
-    if (capacity > Capacity())
+    if (capacity >= Capacity()) {
         FItems.reserve(static_cast<std::size_t>(capacity));
-    else
-        FItems.shrink_to_fit();
+        return;
+    }
+    detail::Items<void*> smaller;
+    smaller.reserve(static_cast<std::size_t>(capacity));
+    smaller.assign(FItems.begin(), FItems.end());
+    FItems.swap(smaller);
 }
 
 void TList::SetItems(std::int32_t index, void* item)
@@ -94,7 +100,8 @@ void* TList::Extract(void* item)
     if (index < 0)
         return nullptr;
     FItems.erase(FItems.begin() + index);
-    Notify(item, lnExtracted);
+    if (item)
+        Notify(item, lnExtracted);
     return item;
 }
 
@@ -134,11 +141,11 @@ std::int32_t TList::IndexOf(const void* item) const noexcept
 
 void TList::Sort(const TCompare& compare)
 {
-    detail::Items<void*> sorted = FItems;
-    StableSort(sorted, compare);
-    // The comparison may have changed the list; its order counts only for what was compared.
-    if (sorted.size() == FItems.size())
-        FItems = std::move(sorted);
+    const detail::Items<void*> before = FItems;
+    const detail::Items<void*> sorted = StableSorted(before, compare);
+    // A comparison that changed the list has sorted something else, perhaps objects that are freed by now.
+    if (FItems == before)
+        std::copy(sorted.begin(), sorted.end(), FItems.begin());
 }
 
 void TList::Assign(const TList& source)

@@ -59,13 +59,13 @@ public:
     void Pack();
     /// Index of the first place of `item`, -1 when it is not there.
     std::int32_t IndexOf(const void* item) const noexcept;
-    /// Sorts stably; any comparison is safe, and one that throws leaves the order as it was.
+    /// Sorts stably; any comparison is safe. One that throws, or changes the list, leaves the order alone.
     void Sort(const TCompare& compare);
     /// Takes over the items of another list.
     void Assign(const TList& source);
 
 protected:
-    /// Called after an item came or went.
+    /// Called after an item that is not null came or went.
     virtual void Notify(void* item, TListNotification action);
 
 private:

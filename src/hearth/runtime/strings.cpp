@@ -368,7 +368,8 @@ void TStringList::SortBy(const TCompare& compare)
     Changing();
     detail::Items<std::int32_t> order(FItems.size());
     std::iota(order.begin(), order.end(), 0);
-    StableSort(order, [&](std::int32_t a, std::int32_t b) { return compare(*this, a, b); });
+    order =
+        StableSorted(std::move(order), [&](std::int32_t a, std::int32_t b) { return compare(*this, a, b); });
     // A comparison that changed the list has sorted something else.
     if (order.size() == FItems.size()) {
         detail::Items<TStringItem> sorted;
