@@ -11,6 +11,7 @@
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace ht {
 namespace {
@@ -94,6 +95,16 @@ TEST(id_list, errors_are_bare_words)
     EXPECT_EQ(list.Count(), 4);
 }
 
+TEST(id_list, what_was_put_out_of_order_is_asked_for_its_front_first)
+{
+    TIDList list;
+    list.SetSorted(true);
+    for (const std::int32_t id : {1, 5, 8})
+        list.Add(id);
+    list.Exchange(0, 2);
+    EXPECT_EQ(list.Add(4), 0);
+}
+
 TEST(id_list, unsorted_lists_and_capacity)
 {
     TIDList list(2);
@@ -122,6 +133,63 @@ TEST(id_list, unsorted_lists_and_capacity)
             steps += std::to_string(list.Capacity()) + " ";
     }
     EXPECT_EQ(steps, "4 8 12 28 44 60 76 95 118 147 183 228 ");
+}
+
+struct Entry {
+    std::int32_t id;
+    std::uintptr_t number;
+};
+
+/// Quicksort by the middle entry, however deep it goes.
+void SortPlainly(Entry* first, Entry* last)
+{
+    while (first < last) {
+        const std::int32_t middle = first[(last - first) / 2].id;
+        Entry* left = first;
+        Entry* right = last;
+        while (left <= right) {
+            while (left->id < middle)
+                ++left;
+            while (right->id > middle)
+                --right;
+            if (left <= right)
+                std::swap(*left++, *right--);
+        }
+        SortPlainly(first, right);
+        first = left;
+    }
+}
+
+void ExpectSortedPlainly(const std::vector<std::int32_t>& ids)
+{
+    TIDList list;
+    std::vector<Entry> entries;
+    for (const std::int32_t id : ids) {
+        entries.push_back({id, entries.size()});
+        list.AddObject(id, Mark(entries.back().number));
+    }
+    list.Sort();
+    SortPlainly(&entries.front(), &entries.back());
+    for (std::int32_t i = 0; i < list.Count(); ++i)
+        ASSERT_EQ(list.GetObject(i), Mark(entries[static_cast<std::size_t>(i)].number)) << i;
+}
+
+TEST(id_list, equal_ids_are_sorted_as_the_middle_entries_split_them)
+{
+    std::mt19937 random(5);
+    std::vector<std::int32_t> ids(1000);
+    for (int round = 0; round < 50; ++round) {
+        for (std::int32_t& id : ids)
+            id = static_cast<std::int32_t>(random() % 250);
+        ExpectSortedPlainly(ids);
+    }
+    // A short list whose middle id is always the greatest of those left.
+    ids.resize(60);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        ids[i] = static_cast<std::int32_t>(i / 2);
+        std::swap(ids[i], ids[i / 2]);
+    }
+    ExpectSortedPlainly(ids);
 }
 
 TEST(id_list, a_comparison_that_changes_the_list_sorts_nothing)

@@ -18,8 +18,9 @@ bool Before(const TIDItem& a, const TIDItem& b) noexcept
     return a.FID < b.FID;
 }
 
-/// Quicksort by the middle entry. `budget` bounds its depth: ids that were arranged to split badly, over and
-/// over, end in a sort that cannot be slowed down.
+/// Quicksort by the middle entry, which makes the order of equal ids. `budget` bounds its depth: ids that
+/// were arranged to split badly, over and over, end in a sort that cannot be slowed down and has its own
+/// order.
 void SortById(TIDItem* first, TIDItem* last, int budget)
 {
     while (last - first > 1) {
@@ -140,17 +141,20 @@ std::int32_t TIDList::Add(std::int32_t id)
 
 std::int32_t TIDList::PlaceOf(std::int32_t id) const
 {
-    if (!FSorted || FItems.empty() || id > FItems.back().FID)
+    if (!FSorted || FItems.empty())
         return Count();
     if (id < FItems.front().FID)
         return 0;
+    if (id > FItems.back().FID)
+        return Count();
     std::int32_t index = 0;
-    if (Find(id, index) && FDuplicates == dupError)
+    if (!Find(id, index))
+        return index;
+    if (FDuplicates == dupError)
         throw EListError(u"SDuplicateString"_s);
     // Behind the equal ones, of which there may be very many.
-    const TIDItem wanted{id, 0, nullptr};
-    const auto place =
-        std::upper_bound(FItems.begin() + std::clamp(index, 0, Count()), FItems.end(), wanted, Before);
+    const auto first = FItems.begin() + static_cast<std::ptrdiff_t>(Checked(index));
+    const auto place = std::upper_bound(first, FItems.end(), TIDItem{id, 0, nullptr}, Before);
     return static_cast<std::int32_t>(place - FItems.begin());
 }
 
@@ -207,8 +211,11 @@ void TIDList::Insert(std::int32_t index, std::int32_t id)
 
 void TIDList::Sort()
 {
+    // Random ids were never seen to go three times as deep as even splits would, and short lists may split as
+    // badly as they can.
+    constexpr int kShort = 64;
     const auto levels = static_cast<int>(std::bit_width(FItems.size()));
-    SortById(FItems.data(), FItems.data() + FItems.size(), 2 * levels);
+    SortById(FItems.data(), FItems.data() + FItems.size(), std::max(kShort, 4 * levels));
 }
 
 std::int32_t TIDList::AddObject(std::int32_t id, void* object)

@@ -14,7 +14,7 @@ namespace ht {
 /// One entry of an id list.
 struct TIDItem {
     std::int32_t FID = 0;
-    std::uint32_t FTag = 0;
+    std::uint32_t FTag = 0; // in front of the pointer, so that an entry takes 16 bytes and not 24
     void* FObject = nullptr;
 
     friend bool operator==(const TIDItem&, const TIDItem&) = default;
@@ -62,7 +62,8 @@ public:
     virtual std::int32_t IndexOf(std::int32_t id) const;
     /// Throws EListError "SSortedListError" on a sorted list.
     virtual void Insert(std::int32_t index, std::int32_t id);
-    /// Sorts by id; the order of equal ids is then any.
+    /// Sorts by id in place: a quicksort by the middle entry, which is not stable. Ids that are arranged
+    /// against it cost no more than N log N; the order of equal ids is then any.
     virtual void Sort();
 
     std::int32_t Count() const noexcept { return static_cast<std::int32_t>(FItems.size()); }
@@ -77,7 +78,8 @@ public:
     /// Sorts stably; any comparison is safe. One that throws, or changes the list, leaves the order alone.
     /// Throws EListError "SSortedListError" on a sorted list.
     void CustomSort(const TIDListSortCompare& compare);
-    /// Deletes the objects of all entries, whose pointers must have been put in as TObject*.
+    /// Deletes the objects of all entries. Their pointers must have been put in as TObject*, each at one id
+    /// only.
     void FreeObjects();
 
     bool Sorted() const noexcept { return FSorted; }
