@@ -77,13 +77,17 @@ TEST(text_words, replaced_parts)
     };
     const Row rows[] = {{u"aXbX", u"X", u"--", u"a--b--"}, {u"aaaa", u"aa", u"a", u"aa"},
         {u"aaa", u"aa", u"", u"a"}, {u"XX", u"X", u"XX", u"XXXX"}, {u"ab", u"", u"x", u"ab"},
-        {u"", u"a", u"b", u""}};
+        {u"", u"a", u"b", u""}, {u"a", u"ab", u"x", u"a"}, {u"aabaabaacaabaac", u"aabaac", u"-", u"aab--"},
+        {u"abababc", u"ababc", u"-", u"ab-"}, {u"ababa", u"aba", u"-", u"-ba"}};
     for (const Row& row : rows)
         EXPECT_EQ(ReplaceStr(String(row.text), row.from, row.to), row.result) << String(row.text);
     const String text = u"a-b-c"_s;
     EXPECT_EQ(ReplaceChar(text, u'-', u'+'), u"a+b+c");
     EXPECT_TRUE(ReplaceChar(text, u'x', u'+').IsSame(text));
     EXPECT_TRUE(ReplaceStr(text, u"--", u"+").IsSame(text));
+    // Nearly there at every place.
+    const String same(std::u16string(1'000'000, u'a'));
+    EXPECT_TRUE(ReplaceStr(same, std::u16string(500'000, u'a') + u'b', u"x").IsSame(same));
 }
 
 TEST(text_words, lists_grow_by_their_own_parts_too)

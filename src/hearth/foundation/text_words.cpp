@@ -3,6 +3,7 @@
 #include <hearth/foundation/text_words.h>
 
 #include <hearth/runtime/checked.h>
+#include <hearth/runtime/storage.h>
 
 #include <algorithm>
 #include <array>
@@ -11,13 +12,48 @@ namespace ht {
 
 namespace {
 
-std::u16string_view::size_type CountOf(std::u16string_view s, std::u16string_view part) noexcept
-{
-    std::size_t count = 0;
-    for (std::size_t at = 0; (at = s.find(part, at)) != std::u16string_view::npos; at += part.size())
-        ++count;
-    return count;
-}
+/// Finds the places of a part that is not empty, each behind the end of the one before. What has matched is
+/// never looked at again, so the cost does not depend on how often the part begins and fails.
+class PartFinder {
+public:
+    PartFinder(std::u16string_view text, std::u16string_view part)
+        : FText(text)
+        , FPart(part)
+        , FBorders(part.size())
+    {
+        for (std::size_t i = 1, matched = 0; i < part.size(); ++i) {
+            matched = MatchedWith(part[i], matched);
+            FBorders[i] = matched;
+        }
+    }
+
+    /// The next place; the size of the text behind the last one.
+    std::size_t Next() noexcept
+    {
+        for (std::size_t matched = 0; FAt < FText.size();) {
+            matched = MatchedWith(FText[FAt++], matched);
+            if (matched == FPart.size())
+                return FAt - matched;
+        }
+        return FText.size();
+    }
+
+    void Rewind() noexcept { FAt = 0; }
+
+private:
+    /// How much of the part has matched with one more unit, when `matched` of it had.
+    std::size_t MatchedWith(char16_t unit, std::size_t matched) const noexcept
+    {
+        while (matched > 0 && FPart[matched] != unit)
+            matched = FBorders[matched - 1];
+        return FPart[matched] == unit ? matched + 1 : 0;
+    }
+
+    std::u16string_view FText;
+    std::u16string_view FPart;
+    detail::Items<std::size_t> FBorders; // of each beginning, the longest end that is a beginning too
+    std::size_t FAt = 0;
+};
 
 /// The name that a keyword stands for; keywords are looked up for every declaration, so no string is made.
 class ValueName {
@@ -93,19 +129,27 @@ String ReplaceChar(const String& s, char16_t from, char16_t to)
 
 String ReplaceStr(const String& s, std::u16string_view from, std::u16string_view to)
 {
-    const std::size_t count = from.empty() ? 0 : CountOf(s, from);
+    if (from.empty() || from.size() > s.size())
+        return s;
+    const std::u16string_view text = s;
+    PartFinder finder(text, from);
+    std::size_t count = 0;
+    while (finder.Next() < text.size())
+        ++count;
     if (count == 0)
         return s;
     char16_t* units = nullptr;
-    const std::size_t kept = s.size() - count * from.size();
+    const std::size_t kept = text.size() - count * from.size();
     String result = String::Uninitialized(CheckedAdd(kept, CheckedMul(count, to.size())), units);
-    std::u16string_view rest = s;
-    for (std::size_t at = 0; (at = rest.find(from)) != std::u16string_view::npos;) {
-        units = std::copy_n(rest.data(), at, units);
+    finder.Rewind();
+    std::size_t start = 0;
+    for (; count > 0; --count) {
+        const std::size_t at = finder.Next();
+        units = std::copy_n(text.data() + start, at - start, units);
         units = std::copy(to.begin(), to.end(), units);
-        rest.remove_prefix(at + from.size());
+        start = at + from.size();
     }
-    std::copy(rest.begin(), rest.end(), units);
+    std::copy(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), units);
     return result;
 }
 

@@ -14,7 +14,8 @@ namespace ht {
 /// Takes the next word off the front of `s`; each unit of `delimiters` ends one. Strict: the word alone, and
 /// the delimiter behind it goes too. Otherwise all of `s` up to the end of the word, delimiters in front
 /// included, and the one behind it stays. Where nothing but delimiters is left, `s` becomes empty; strict
-/// gives an empty word then, otherwise what `s` was.
+/// gives an empty word then, otherwise what `s` was. Each unit is looked for among all delimiters, so there
+/// should be few.
 HT_API std::u16string_view Q_StrTok(
     std::u16string_view& s, std::u16string_view delimiters, bool Strict) noexcept;
 /// The same on a string, whose rest is copied each time: walk long text as a view.
@@ -29,7 +30,8 @@ constexpr char16_t CharLower(char16_t c) noexcept
     return FoldAscii(c);
 }
 
-/// Unit by unit; every text starts and ends with the empty one.
+/// Unit by unit: these two fold nothing, whatever their names say. Every text starts and ends with the empty
+/// one.
 constexpr bool AnsiStartsWith(std::u16string_view s, std::u16string_view start) noexcept
 {
     return s.starts_with(start);
