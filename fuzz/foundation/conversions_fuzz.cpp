@@ -52,6 +52,8 @@ void CheckNumbers(const String& text)
     fuzz::Require(!std::isnan(ht::iStrtoFloat(text)), "the tolerant reader gives a number");
     ht::iStrtoInt(text);
     ht::HexToDec(text);
+    for (const double value : {0.0, -0.004, 12345.678, 5e-324})
+        ht::HtFormatFloat(text, value);
     try {
         ht::StrtoFloatCheck(text, u',', u'.');
     } catch (const ht::Exception& error) {

@@ -43,9 +43,9 @@ TEST(number_text, strict_reader_raises_with_the_text)
     };
     const Row rows[] = {{u"1,234,567.5", u',', u'.', 1234567.5}, {u"-1.234,5e1", u'.', u',', -12345},
         {u" 1 234", u' ', u'.', 1234}, {u"1.5", u'\0', u',', {}}, {u"1.5", u'.', u'.', 1.5},
-        {u",5", u',', u'.', {}}, {u"1.5,000", u',', u'.', {}}, {u"12 ", u',', u'.', {}},
-        {u"x", u',', u'.', {}}, {u" ", u',', u'.', {}}, {std::u16string_view(u"1\0002", 3), u'\0', u'.', {}},
-        {u"", u',', u'.', 0}, {u"1e17", u',', u'.', 0}};
+        {u",5", u',', u'.', {}}, {u"-,5", u',', u'.', {}}, {u"1.5,000", u',', u'.', {}},
+        {u"12 ", u',', u'.', {}}, {u"x", u',', u'.', {}}, {u" ", u',', u'.', {}},
+        {std::u16string_view(u"1\0002", 3), u'\0', u'.', {}}, {u"", u',', u'.', 0}, {u"1e17", u',', u'.', 0}};
     for (const Row& row : rows) {
         try {
             EXPECT_EQ(StrtoFloatCheck(row.text, row.thousandSep, row.decimalSep), row.value)
@@ -103,13 +103,20 @@ TEST(number_text, pictures)
         {u"0.##", 1e20, u"100000000000000000000"}, {u"#,##0.0", 1234567.25, u"1,234,567.3"},
         {u"#,##0.0", -999, u"-999.0"}, {u",0", 1000, u"1,000"}, {u"0,000", 5, u"0,005"},
         {u"# ##0.00", 12345, u"12 345.00"}, {u"0.0 '#.0'", 1, u"1.0 #.0"}, {u"0'x", 1, u"1x"},
-        {u"0'", 2, u"2"}, {u"0.0.0", 1, u"1.00"}, {u"", 0.25, u"0.25"}, {u"0.##", std::nan(""), u"NAN"}};
+        {u"0'", 2, u"2"}, {u"0.0.0", 1, u"1.00"}, {u"", 0.25, u"0.25"}, {u"0.##", std::nan(""), u"NAN"},
+        {u"0.##;(0.##)", -1.5, u"(1.5)"}, {u"0.##;(0.##)", 1.5, u"1.5"}, {u"0.##;(0.##)", -0.001, u"0"},
+        {u"0.0;;'none; at all';x", -0.01, u"none; at all"}, {u"0.0;;none", -1, u"-1.0"},
+        {u";-0", 2.5, u"2.5"}, {u"0.00E+00", 12345.678, u"1.23E+04"}, {u"0.##e-0", 99.999, u"1e2"},
+        {u"#.##E-0", 0.00015, u"1.5E-4"}, {u"000.0E+0", -5, u"-500.0E-2"}, {u".00E+0", 5, u".50E+1"},
+        {u"0.0E+00", 0, u"0.0E+00"}, {u"0E-0", 5e-324, u"5E-324"}, {u".E+0", 5, u"E+1"},
+        {u"0 e-mails", 3, u"3 e-mails"}};
     for (const Row& row : rows)
         EXPECT_EQ(HtFormatFloat(row.picture, row.value), row.text)
             << String(row.picture) << " of " << row.value;
     const std::u16string million(1'000'000, u'0');
     EXPECT_EQ(HtFormatFloat(u"0." + million, 0.5).Length(), 1'000'002);
     EXPECT_EQ(HtFormatFloat(million, 0.5).Length(), 1'000'000);
+    EXPECT_EQ(HtFormatFloat(u"0E+" + million, 0.5).Length(), 1'000'003);
 }
 
 TEST(number_text, decimals_lose_their_trailing_zeros)

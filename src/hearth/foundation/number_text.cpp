@@ -179,6 +179,7 @@ struct Picture {
     std::int64_t mostDecimals = 0;
     std::int64_t leastDecimals = 0;
     bool thousands = false;
+    bool power = false;
 };
 
 bool IsQuote(char16_t unit) noexcept
@@ -190,6 +191,27 @@ bool IsQuote(char16_t unit) noexcept
 std::size_t ClosingQuote(std::u16string_view format, std::size_t open) noexcept
 {
     return std::min(format.find(format[open], open + 1), format.size());
+}
+
+/// Takes the part of a picture in front of its next ";" off, and the ";".
+std::u16string_view TakeSection(std::u16string_view& format) noexcept
+{
+    std::size_t end = 0;
+    while (end < format.size() && format[end] != u';')
+        end = IsQuote(format[end]) ? ClosingQuote(format, end) + 1 : end + 1;
+    const std::u16string_view section = format.substr(0, end);
+    format.remove_prefix(std::min(end + 1, format.size()));
+    return section;
+}
+
+/// The place of a power of ten, such as "E+00", when it stands at `at`.
+std::u16string_view PowerAt(std::u16string_view format, std::size_t at) noexcept
+{
+    const std::u16string_view rest = format.substr(at);
+    if (rest.size() < 3 || FoldAscii(rest[0]) != u'e' || (rest[1] != u'+' && rest[1] != u'-')
+        || rest[2] != u'0')
+        return {};
+    return rest.substr(0, rest.find_first_not_of(u'0', 2));
 }
 
 Picture ReadPicture(std::u16string_view format) noexcept
@@ -204,6 +226,9 @@ Picture ReadPicture(std::u16string_view format) noexcept
             behindPoint = true;
         } else if (unit == u',') {
             picture.thousands = true;
+        } else if (const std::size_t power = PowerAt(format, i).size()) {
+            picture.power = true;
+            i += power - 1;
         } else if ((unit == u'0' || unit == u'#') && behindPoint) {
             ++picture.mostDecimals;
             if (unit == u'0')
@@ -222,15 +247,22 @@ public:
     PictureWriter(std::u16string_view format, double value)
         : FFormat(format)
         , FPicture(ReadPicture(format))
-        , FNumber(FloatToDecimal(value, kPrecision,
-              static_cast<int>(std::min<std::int64_t>(FPicture.mostDecimals, kMaxDecimals))))
+        , FNumber(Rounded(value, FPicture))
     {
+        if (FPicture.power && !IsZero()) {
+            FPower = FNumber.exponent - FPicture.wholePlaces;
+            FNumber.exponent = static_cast<int>(FPicture.wholePlaces);
+        }
         FWhole = std::max<std::int64_t>(FNumber.exponent, FPicture.leastWhole);
-        FDecimals = std::max<std::int64_t>(FNumber.count - FNumber.exponent, FPicture.leastDecimals);
+        FDecimals = std::clamp<std::int64_t>(
+            FNumber.count - FNumber.exponent, FPicture.leastDecimals, FPicture.mostDecimals);
         FPlace = FPicture.wholePlaces;
         if (FNumber.negative)
             FOut += u'-';
     }
+
+    /// True for what is zero in all places of the picture.
+    bool IsZero() const noexcept { return FNumber.count == 0; }
 
     String Run()
     {
@@ -244,6 +276,9 @@ public:
                 WritePlaceholder();
             } else if (unit == u'.') {
                 WritePoint();
+            } else if (const std::u16string_view power = PowerAt(FFormat, i); !power.empty()) {
+                WritePower(power);
+                i += power.size() - 1;
             } else if (unit != u',') {
                 FOut += unit;
             }
@@ -252,6 +287,16 @@ public:
     }
 
 private:
+    static TFloatDecimal Rounded(double value, const Picture& picture)
+    {
+        if (!picture.power)
+            return FloatToDecimal(value, kPrecision,
+                static_cast<int>(std::min<std::int64_t>(picture.mostDecimals, kMaxDecimals)));
+        const std::int64_t places = picture.wholePlaces + picture.mostDecimals;
+        return FloatToDecimal(value, static_cast<int>(std::clamp<std::int64_t>(places, 1, kPrecision)),
+            TFloatDecimal::kAllDecimals);
+    }
+
     void WriteDigit(std::int64_t place)
     {
         FOut += static_cast<char16_t>(FNumber.DigitAt(place));
@@ -290,12 +335,24 @@ private:
             FOut += u'.';
     }
 
+    void WritePower(std::u16string_view place)
+    {
+        FOut += place[0];
+        if (FPower < 0 || place[1] == u'+')
+            FOut += FPower < 0 ? u'-' : u'+';
+        const String digits = IntToStr(std::abs(FPower));
+        const std::size_t least = place.size() - 2;
+        FOut.append(least - std::min(digits.size(), least), u'0');
+        FOut += digits;
+    }
+
     std::u16string_view FFormat;
     Picture FPicture;
     TFloatDecimal FNumber;
     std::int64_t FWhole = 0;
     std::int64_t FDecimals = 0;
     std::int64_t FPlace = 0;
+    std::int64_t FPower = 0;
     bool FBehindPoint = false;
     std::u16string FOut;
 };
@@ -347,9 +404,23 @@ std::int32_t MathRound(double value)
 
 String HtFormatFloat(std::u16string_view format, double value)
 {
-    if (format.empty() || !std::isfinite(value))
+    if (!std::isfinite(value))
         return FloatToStr(value);
-    return PictureWriter(format, value).Run();
+    const std::u16string_view picture = TakeSection(format);
+    const std::u16string_view negative = TakeSection(format);
+    const std::u16string_view zero = TakeSection(format);
+    if (value < 0 && !negative.empty()) {
+        PictureWriter writer(negative, -value);
+        if (!writer.IsZero())
+            return writer.Run();
+        value = 0;
+    }
+    if (picture.empty())
+        return FloatToStr(value);
+    PictureWriter writer(picture, value);
+    if (writer.IsZero() && !zero.empty())
+        return PictureWriter(zero, 0).Run();
+    return writer.Run();
 }
 
 String HtFormatDecimal(double value, std::int32_t digits)

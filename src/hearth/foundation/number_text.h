@@ -31,8 +31,11 @@ HT_API std::int32_t MathRound(double value);
 /// Writes the value by a picture: "0" is a digit that is always written, "#" one that may be left out, the
 /// first "." the decimal point, a "," anywhere puts "," between thousands; text in quotes and all else stands
 /// for itself. Rounds halves away from zero to the places of the picture and 15 digits; digits in front of
-/// the picture's first are written with it, and the point only with a digit behind it. An empty picture, and
-/// a value that is no finite number, give the text of FloatToStr.
+/// the picture's first are written with it, and the point only with a digit behind it. "E+00" or "e-0" writes
+/// a power of ten, with "+" always signed, and as many digits in front of the point as the picture has there.
+/// Behind a ";" may stand the picture of negative values, which writes no sign, and behind another one that
+/// of what is rounded to zero; an empty one leaves it to the first. An empty first picture, and a value that
+/// is no finite number, give the text of FloatToStr.
 HT_API String HtFormatFloat(std::u16string_view format, double value);
 
 /// Writes the value with at most `digits` places, without trailing zeros; rounds as HtFormatFloat does.
