@@ -33,6 +33,7 @@ TEST(geometry_helpers, rectangles)
     EXPECT_TRUE(Between(1.0F, 1.0F, 1.0F));
     EXPECT_FALSE(Between(std::nanf(""), 0.0F, 1.0F));
     EXPECT_FALSE(Between(2, 3, 1));
+    EXPECT_TRUE(Between(0.5, 0, 1));
 }
 
 }

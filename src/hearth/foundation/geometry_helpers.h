@@ -5,6 +5,8 @@
 #include <hearth/foundation/number_text.h>
 #include <hearth/runtime/geometry.h>
 
+#include <type_traits>
+
 namespace ht {
 
 // Integers throw EIntOverflow where a result does not fit.
@@ -88,12 +90,10 @@ constexpr TRectF R2F(const TRect& r) noexcept
         static_cast<float>(r.Bottom)};
 }
 
-/// True for a <= x <= b.
-constexpr bool Between(std::int32_t x, std::int32_t a, std::int32_t b) noexcept
-{
-    return a <= x && x <= b;
-}
-constexpr bool Between(float x, float a, float b) noexcept
+/// True for a <= x <= b, which are numbers of the type of x.
+template <class T>
+requires std::is_arithmetic_v<T>
+constexpr bool Between(T x, std::type_identity_t<T> a, std::type_identity_t<T> b) noexcept
 {
     return a <= x && x <= b;
 }
