@@ -42,34 +42,37 @@ static_assert(std::all_of(
 constexpr std::size_t kIndexes = 31;
 constexpr std::int32_t kPaleHighlight = 130; // behind a gap
 
-/// The last place is that of kPaleHighlight. As 0xRRGGBB, from a light desktop.
-constexpr std::array<std::uint32_t, kIndexes + 1> kUsualColors = {0xC8C8C8, 0x000000, 0x99B4D1, 0xBFCDDB,
-    0xF0F0F0, 0xFFFFFF, 0x646464, 0x000000, // scroll bar to menu text
-    0x000000, 0x000000, 0xB4B4B4, 0xF4F7FC, 0xABABAB, 0x0078D7, 0xFFFFFF,
-    0xF0F0F0, // window text to button face
-    0xA0A0A0, 0x6D6D6D, 0x000000, 0x000000, 0xFFFFFF, 0x696969, 0xE3E3E3,
-    0x000000, // button shadow to hint text
-    0xFFFFE1, 0x000000, 0x0066CC, 0xB9D1EA, 0xD7E4F2, 0x0078D7, 0xF0F0F0, // hint to menu bar, one unused
-    0xCCE8FF};
-
-std::array<std::uint32_t, kIndexes + 1>& Colors() noexcept
-{
-    static auto colors = [] {
-        auto native = kUsualColors;
-        for (std::uint32_t& color : native)
-            color = static_cast<std::uint32_t>(Color2Win(color));
-        return native;
-    }();
-    return colors;
-}
-
 /// Where the colour of an index stands; the number of colours for an index that has none.
-std::size_t PlaceOf(std::int32_t index) noexcept
+constexpr std::size_t PlaceOf(std::int32_t index) noexcept
 {
     if (index == kPaleHighlight)
         return kIndexes;
     return index >= 0 && index < static_cast<std::int32_t>(kIndexes) ? static_cast<std::size_t>(index)
                                                                      : kIndexes + 1;
+}
+
+struct UsualColor {
+    std::int32_t index;
+    std::uint32_t rgb;
+};
+
+constexpr UsualColor kUsualColors[] = {
+#include <hearth/foundation/system_colors_usual_table.inc>
+};
+
+static_assert(std::size(kUsualColors) == kIndexes + 1);
+static_assert(std::all_of(std::begin(kUsualColors), std::end(kUsualColors),
+    [](const UsualColor& color) { return &color == &kUsualColors[PlaceOf(color.index)]; }));
+
+std::array<std::uint32_t, kIndexes + 1>& Colors() noexcept
+{
+    static auto colors = [] {
+        std::array<std::uint32_t, kIndexes + 1> native{};
+        for (const UsualColor& color : kUsualColors)
+            native[PlaceOf(color.index)] = static_cast<std::uint32_t>(Color2Win(color.rgb));
+        return native;
+    }();
+    return colors;
 }
 
 }
