@@ -6,6 +6,7 @@
 #include <hearth/runtime/exceptions.h>
 #include <hearth/runtime/text_number.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <ctime>

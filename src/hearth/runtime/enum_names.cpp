@@ -4,6 +4,7 @@
 
 #include <hearth/runtime/checked.h>
 
+#include <algorithm>
 #include <numeric>
 
 namespace ht {

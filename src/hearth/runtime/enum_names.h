@@ -5,6 +5,7 @@
 #include <hearth/export.h>
 #include <hearth/runtime/text.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>

@@ -299,7 +299,7 @@ constexpr int HexDigitValue(char16_t c) noexcept
     return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }
 
-/// What String::ToUtf8 gives, from text that is no String.
+/// What String::ToUtf8 gives, from text that is no String. The foundation knows it as HtUTF8Encode too.
 HT_API std::string EncodeUtf8(std::u16string_view text);
 
 /// Equal when A to Z and a to z count as the same letters.
