@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 
 namespace ht {
@@ -57,6 +58,14 @@ TEST(checksums, rc4_goes_on_where_it_stopped)
     RC4CryptData(key, "text", bytes.data() + 5, 4);
     EXPECT_EQ(Hex(bytes), "bbf316e8d940af0ad3");
     EXPECT_EQ(RC4Crypt({}, RC4Crypt({}, bytes)), bytes);
+    RC4Init(key, BytesOf("Key"));
+    RC4CryptData(key, bytes.data(), bytes.data(), 9);
+    EXPECT_EQ(Hex(bytes), "506c61696e74657874");
+    TBytes password(300);
+    std::iota(password.begin(), password.end(), std::uint8_t{0});
+    const TBytes all = RC4Crypt(password, bytes);
+    EXPECT_EQ(RC4Crypt(std::span(password.data(), 256), bytes), all);
+    EXPECT_NE(RC4Crypt(std::span(password.data(), 200), bytes), all);
 }
 
 }

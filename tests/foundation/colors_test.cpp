@@ -51,9 +51,9 @@ TEST(colors, rgba)
         {u"rgba(1,2,3)", 0x00010203}, {u"rgba(red,0.5)", 0x80FF0000}, {u"rgba( red , 1)", 0xFFFF0000},
         {u"rgba(#12345678,0)", 0x00345678}, {u"rgba(window,1)", 0xFFFFFFFF}, {u"rgba(,1)", 0xFF000000},
         {u"rgba(xyz,1)", 0xFF000001}, {u"rgba()", kNoColor}, {u"rgba(", 0x00000000},
-        {u"rgba(1,2,3,0.1)", 0x1A010203}, {u"rgba(rgba(red,0.5),1)", 0x80FF0000},
-        {u"rgba(rgba(7 8 9,0.2)", 0x33070000}, {u"RGBA(1,2,3,1)", kNoColor}, {u"rgb(1,2,3)", kNoColor},
-        {u"rgba (1,2,3,1)", kNoColor}});
+        {u"rgba(1,2,3,0.1)", 0x1A010203}, {u"rgba(0,0,0,0.3)", 0x4C000000},
+        {u"rgba(rgba(red,0.5),1)", 0x80FF0000}, {u"rgba(rgba(7 8 9,0.2)", 0x33070000},
+        {u"RGBA(1,2,3,1)", kNoColor}, {u"rgb(1,2,3)", kNoColor}, {u"rgba (1,2,3,1)", kNoColor}});
     for (const std::u16string_view text : {u"rgba(256,0,0,1)", u"rgba(0,-1,0,1)", u"rgba(0,0,0,1.01)",
              u"rgba(red,-1)", u"rgba(9999999999,0,0,1)", u"rgba(rgba(300", u"rgba(0,0,0,9999999999999999)"})
         EXPECT_THROW(htmlHextoColor(text), ERangeError) << String(text);

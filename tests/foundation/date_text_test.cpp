@@ -57,7 +57,8 @@ TEST(date_text, told_masks)
         {u"3/1/2004", u"m/d/yyyy", kDay2004}, {u"03/01/2004", u"m/d/yyyy", kDay2004},
         {u"1 MARCH 2004", u"d mmmm yyyy", kDay2004}, {u"1 mar 2004", u"d mmm yyyy", kDay2004},
         {u"1 M\u00e4r 2004", u"d mmm yyyy", {}}, {u"1 Mar 2004", u"d mmmm yyyy", {}},
-        {u"March 2004", u"mmmm yyyy", kDay2004}, {u"01", u"ddd", {}}, {u"", u"dd", {}}};
+        {u"March 2004", u"mmmm yyyy", kDay2004}, {u"March 2004", u"mmmmm yyyy", {}}, {u"03", u"mm", 61},
+        {u"01", u"ddd", {}}, {u"", u"dd", {}}};
     for (const Row& row : rows)
         EXPECT_TRUE(Reads(row.text, row.format, row.days, row.format));
 }

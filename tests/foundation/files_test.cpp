@@ -1,6 +1,7 @@
 // Files by their byte order marks.
 // SPDX-License-Identifier: MIT
 #include <hearth/foundation/files.h>
+#include <hearth/runtime/encoding.h>
 #include <hearth/runtime/streams.h>
 
 #include <gtest/gtest.h>
@@ -44,6 +45,16 @@ TEST(files, the_mark_tells_the_encoding)
         EXPECT_EQ(FileToStr(file.Name()), row.text);
         EXPECT_EQ(FileToStrA(file.Name()), row.bytes);
     }
+}
+
+TEST(files, without_a_mark_the_code_page_of_the_system_counts)
+{
+    const TemporaryFile file;
+    StrtoFileR(file.Name(), "\xE9");
+    const std::uint32_t before = SystemCodePage();
+    SetSystemCodePage(1251);
+    EXPECT_EQ(FileToStr(file.Name()), u"й");
+    SetSystemCodePage(before);
 }
 
 TEST(files, text_comes_back)

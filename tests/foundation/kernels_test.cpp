@@ -24,6 +24,9 @@ TEST(kernels, weights)
     EXPECT_EQ(kernel.IWeights[TKernel::kMaxSize - 9], 0);
     EXPECT_EQ(kernel.IWeights[TKernel::kMaxSize],
         static_cast<std::int32_t>(std::ceil(double{middle[0]} * 16777215)));
+    // Either half of the pairs alone would leave another size.
+    MakeGaussianKernel(kernel, 1, 255, 6);
+    EXPECT_EQ(kernel.Size, 18);
     // As much as 255 wholes may lie beyond, so only the least size is left.
     MakeGaussianKernel(kernel, 255, 1, 3);
     EXPECT_EQ(kernel.Size, 1);
@@ -53,6 +56,11 @@ TEST(kernels, even_pixels_stay_and_others_mix)
     }
     EXPECT_EQ(dot[40].g, 41); // 255 / 2 pi
     EXPECT_GT(dot[41].a, dot[42].a);
+    std::vector<TRGBTriple> row(20);
+    std::fill(row.begin() + 10, row.end(), kEven);
+    FastBlur(row, 20, 1, 1);
+    EXPECT_EQ(row.front(), TRGBTriple());
+    EXPECT_EQ(row.back(), kEven);
     FastBlur(dot, 0, 9, 1);
     EXPECT_THROW(FastBlur(dot, 9, 10, 1), ERangeError);
     EXPECT_THROW(FastBlur(dot, -9, -9, 1), ERangeError);

@@ -12,14 +12,14 @@
 namespace ht {
 
 /// What a pixel takes from its neighbours up to `Size` places away. The weights of the offsets -30 to 30
-/// stand at 0 to 60.
+/// stand at 0 to 60; beyond Size the weights mean nothing, and those in integers are 0.
 struct TKernel {
     static constexpr std::int32_t kMaxSize = 30;
     using TWeights = std::array<float, 2 * kMaxSize + 1>;
 
     std::int32_t Size = 0;
     TWeights Weights{};
-    std::array<std::int32_t, 2 * kMaxSize + 1> IWeights{}; // the same in parts of 2^24; 0 beyond Size
+    std::array<std::int32_t, 2 * kMaxSize + 1> IWeights{}; // the same in parts of 2^24
 };
 
 /// Makes a kernel of the normal distribution, whose deviation is `Radius` places. Of the 61 places the
