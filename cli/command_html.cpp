@@ -74,16 +74,16 @@ std::vector<std::string> FormNames()
 
 void Run(const HtmlOptions& options)
 {
-    const Page page = options.Input.ReadPage();
+    const ht::THtmlPageText page = options.Input.ReadPage();
     const auto form = std::find_if(std::begin(kForms), std::end(kForms),
         [&](const Form& candidate) { return options.As == candidate.Name; });
     if (options.Fragment) {
         ht::THtmlNode body(u"body"_s);
-        body.ParseFragment(page.Text, page.Decoded);
+        body.ParseFragment(page.Text, page.IsDecoded);
         return options.Output.WriteText(form->Print(body, options.Indent));
     }
     ht::THtmlNode root;
-    root.Parse(page.Text, page.Decoded);
+    root.Parse(page.Text, page.IsDecoded);
     options.Output.WriteText(form->Print(root, options.Indent));
 }
 

@@ -74,9 +74,9 @@ std::unique_ptr<ht::THtNode> ReadTree(const XPathOptions& options)
 {
     if (options.Xml)
         return std::make_unique<ht::THtXMLNode>(options.Input.ReadText());
-    const Page page = options.Input.ReadPage();
+    const ht::THtmlPageText page = options.Input.ReadPage();
     auto root = std::make_unique<ht::THtmlNode>();
-    root->Parse(page.Text, page.Decoded);
+    root->Parse(page.Text, page.IsDecoded);
     return root;
 }
 

@@ -5,7 +5,6 @@
 #include "address.h"
 #include "errors.h"
 
-#include <hearth/markup/html_parser.h>
 #include <hearth/runtime/encoding.h>
 #include <hearth/runtime/exceptions.h>
 
@@ -16,7 +15,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <limits>
@@ -106,55 +104,6 @@ ht::String DecodeNamed(std::string_view bytes, const std::string& name)
     return ht::DecodeBytes(bytes, page);
 }
 
-/// Decodes what starts with a byte order mark, without the mark; nothing when there is none.
-std::optional<ht::String> DecodeMarked(std::string_view bytes)
-{
-    const ht::THtByteOrderMarkMatch match = ht::DetectByteOrderMark(bytes);
-    if (match.Mark == ht::bomNone)
-        return std::nullopt;
-    return ht::DecodeBytes(bytes.substr(match.Size), ht::CodePageOf(match.Mark));
-}
-
-/// UTF-16 that was recognised without a mark by the zero bytes of its ASCII part: they stand first where the
-/// order is big endian.
-std::uint32_t PageOfZeros(std::string_view bytes)
-{
-    std::array<std::size_t, 2> zeros{};
-    for (std::size_t i = 0; i < std::min(bytes.size(), ht::THtmlParser::kDetectionBytes); ++i)
-        zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
-    return zeros[0] > zeros[1] ? ht::kUtf16BigEndianCodePage : ht::kUtf16LittleEndianCodePage;
-}
-
-/// Decodes by the mark, else by what the server said; nothing when neither tells.
-std::optional<ht::String> DecodeTold(std::string_view bytes, const std::string& charset)
-{
-    const std::uint32_t page = PageOfName(charset);
-    std::optional<ht::String> text = DecodeMarked(bytes);
-    if (!text && page != 0)
-        text = ht::DecodeBytes(bytes, page);
-    return text;
-}
-
-Page DecodePage(std::string_view bytes, const std::string& charset)
-{
-    if (const std::optional<ht::String> text = DecodeTold(bytes, charset))
-        return {*text, true};
-    std::uint32_t page = 0;
-    ht::THtmlEncoding encoding = ht::heDefault;
-    try {
-        encoding = ht::THtmlParser::GetBytesEncoding(bytes, page);
-    } catch (const ht::ERangeError&) {
-        page = 0; // the declaration is cut off at the last byte looked at: the parser will meet all of it
-    }
-    if (encoding == ht::heUTF8)
-        return {ht::String::FromUtf8(bytes), true};
-    if (encoding == ht::heUTF16)
-        return {ht::DecodeBytes(bytes, PageOfZeros(bytes)), true};
-    if (ht::IsKnownCodePage(page))
-        return {ht::DecodeBytes(bytes, page), true};
-    return {ht::String::FromLatin1(bytes), false};
-}
-
 }
 
 CLI::Option* Input::AddTo(CLI::App& command, const char* name)
@@ -213,8 +162,8 @@ ht::String Input::ReadText() const
     const Fetched input = Read(kMaxBytes + 1);
     if (!FEncoding.empty())
         return DecodeNamed(input.Bytes, FEncoding);
-    const std::optional<ht::String> text = DecodeTold(input.Bytes, input.Charset);
-    return text ? *text : ht::String::FromUtf8(input.Bytes);
+    const std::uint32_t page = PageOfName(input.Charset);
+    return ht::DecodeMarkedBytes(input.Bytes, page != 0 ? page : ht::kUtf8CodePage);
 }
 
 ht::String Input::ReadLines() const
@@ -225,11 +174,12 @@ ht::String Input::ReadLines() const
     return text.Substring(0, text.Length() - end);
 }
 
-Page Input::ReadPage() const
+ht::THtmlPageText Input::ReadPage() const
 {
     const Fetched input = Read(kMaxBytes + 1);
-    return FEncoding.empty() ? DecodePage(input.Bytes, input.Charset)
-                             : Page{DecodeNamed(input.Bytes, FEncoding), true};
+    if (!FEncoding.empty())
+        return {DecodeNamed(input.Bytes, FEncoding), true};
+    return ht::THtmlParser::DecodePage(input.Bytes, ht::String::FromUtf8(input.Charset));
 }
 
 }

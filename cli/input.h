@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <hearth/markup/html_parser.h>
 #include <hearth/runtime/text.h>
 
 #include <cstddef>
@@ -14,14 +15,6 @@ class Option;
 }
 
 namespace hearth_cli {
-
-/// The text of an HTML page.
-struct Page {
-    ht::String Text;
-    /// False when nothing was known about the encoding: the text then holds one unit a byte, and the parser
-    /// looks for the charset itself.
-    bool Decoded = false;
-};
 
 struct Fetched;
 
@@ -47,7 +40,7 @@ public:
     ht::String ReadLines() const;
     /// The text in the encoding that was named, by its byte order mark, by the charset that the server told,
     /// or by what the parser finds in the first bytes.
-    Page ReadPage() const;
+    ht::THtmlPageText ReadPage() const;
 
 private:
     Fetched Read(std::size_t limit) const;

@@ -342,4 +342,31 @@ TEST(html_parser, files_tell_their_encoding_by_their_first_bytes)
     EXPECT_THROW(THtmlParser::GetFileEncoding(u"/no/such/file"_s, page), Exception);
 }
 
+TEST(html_parser, a_page_is_decoded_by_mark_then_server_then_itself)
+{
+    using namespace std::string_view_literals;
+    struct Row {
+        std::string_view bytes;
+        std::u16string_view charset;
+        std::u16string_view text;
+        bool isDecoded = true;
+    };
+    const Row rows[] = {
+        {"\xEF\xBB\xBF\xC3\xA9"sv, u"koi8-r", u"\u00E9"},
+        {"\xFE\xFF\x04\x1F"sv, u"", u"\u041F"},
+        {"<meta charset=windows-1251>\xF0"sv, u"\"KOI8-R\"", u"<meta charset=windows-1251>\u041F"},
+        {"<meta charset=windows-1251>\xCF"sv, u"klingon", u"<meta charset=windows-1251>\u041F"},
+        {"\0<\0p"sv, u"", u"<p"},
+        {"<p>\xC3\xA9"sv, u"", u"<p>\u00E9"},
+        {"\xE9"sv, u"", u"\u00E9", false},
+        {"\xE9 charset=koi8"sv, u"", u"\u00E9 charset=koi8", false},
+        {""sv, u"", u"", false},
+    };
+    for (const Row& row : rows) {
+        const THtmlPageText page = THtmlParser::DecodePage(row.bytes, row.charset);
+        EXPECT_EQ(page.Text, row.text) << row.bytes;
+        EXPECT_EQ(page.IsDecoded, row.isDecoded) << row.bytes;
+    }
+}
+
 }

@@ -84,7 +84,7 @@ TEST(encoding, charset_names_of_the_web)
         {u"Windows-1250", 1250}, {u"x-cp1252", 1252}, {u"Shift_JIS", 932}, {u"gb2312", 936}, {u"GBK", 936},
         {u"euc-kr", 949}, {u"EUC-JP", 51932}, {u"koi8-r", 20866}, {u"gb18030", 54936},
         {u"iso-8859-15", 28605}, {u"macintosh", 10000}, {u"latin2", 28592}, {u"", 0}, {u"cp", 0},
-        {u"klingon", 0}, {u"cp99999999999", 0}};
+        {u"klingon", 0}, {u"cp99999999999", 0}, {u"\"utf-8\"", 65001}, {u"\"", 0}, {u"\"utf-8", 0}};
     for (const Row& row : rows)
         EXPECT_EQ(CodePageOfCharset(row.name), row.page) << String(row.name);
 }

@@ -9,10 +9,7 @@ namespace ht {
 
 String FileToStr(const String& fileName)
 {
-    const std::string bytes = FileToStrR(fileName);
-    const THtByteOrderMarkMatch match = DetectByteOrderMark(bytes);
-    const std::uint32_t page = match.Mark == bomNone ? SystemCodePage() : CodePageOf(match.Mark);
-    return DecodeBytes(std::string_view(bytes).substr(match.Size), page);
+    return DecodeMarkedBytes(FileToStrR(fileName), SystemCodePage());
 }
 
 std::string FileToStrA(const String& fileName)

@@ -9,6 +9,7 @@
 #include <hearth/runtime/text_number.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace ht {
@@ -97,6 +98,40 @@ std::u16string_view DeclaredCharset(std::u16string_view text)
     return text.substr(start, end - start);
 }
 
+/// 0 for what cannot be decoded here.
+std::uint32_t PageOfToldCharset(std::u16string_view charset)
+{
+    const std::uint32_t page = CodePageOfCharset(charset);
+    return IsKnownCodePage(page) ? page : 0;
+}
+
+/// Of UTF-16 that was recognised without a mark by the zero bytes of its ASCII part: they stand first where
+/// the order is big endian.
+std::uint32_t PageOfZeros(std::string_view bytes)
+{
+    std::array<std::size_t, 2> zeros{};
+    for (std::size_t i = 0; i < std::min(bytes.size(), kDetectionBytes); ++i)
+        zeros[i % 2] += bytes[i] == '\0' ? 1U : 0U;
+    return zeros[0] > zeros[1] ? kUtf16BigEndianCodePage : kUtf16LittleEndianCodePage;
+}
+
+/// What the bytes of a page tell about themselves; 0 when that is nothing.
+std::uint32_t DetectPage(std::string_view bytes)
+{
+    std::uint32_t declared = 0;
+    THtmlEncoding encoding = heDefault;
+    try {
+        encoding = THtmlParser::GetBytesEncoding(bytes, declared);
+    } catch (const ERangeError&) {
+        return 0; // the declaration is cut off at the last byte looked at: the parser will meet all of it
+    }
+    if (encoding == heUTF8)
+        return kUtf8CodePage;
+    if (encoding == heUTF16)
+        return PageOfZeros(bytes);
+    return IsKnownCodePage(declared) ? declared : 0;
+}
+
 }
 
 bool IsUTF8Bytes(std::string_view bytes)
@@ -160,6 +195,15 @@ THtmlEncoding THtmlParser::GetBytesEncoding(std::string_view bytes, std::uint32_
     if (!charset.empty())
         ACodePage = CharsettoCodepage(charset);
     return heDefault;
+}
+
+THtmlPageText THtmlParser::DecodePage(std::string_view bytes, std::u16string_view charset)
+{
+    const std::uint32_t told = PageOfToldCharset(charset);
+    const std::uint32_t page = told != 0 ? told : DetectPage(bytes);
+    if (page == 0 && DetectByteOrderMark(bytes).Mark == bomNone)
+        return {String::FromLatin1(bytes), false};
+    return {DecodeMarkedBytes(bytes, page), true};
 }
 
 void THtmlParser::ChangeEncoding(THtmlEncoding NewEncoding, std::uint32_t /*NewCodePage*/)

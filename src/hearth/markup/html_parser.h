@@ -20,6 +20,14 @@ class THtmlNode;
 
 enum THtmlEncoding : std::uint8_t { heDefault, heUTF8, heUTF16, heANSI };
 
+/// The text of a page that came as bytes: `root.Parse(page.Text, page.IsDecoded)`.
+struct THtmlPageText {
+    String Text;
+    /// False when nothing is known about the encoding: the text then holds one unit a byte, and the parser
+    /// looks for the charset itself.
+    bool IsDecoded = false;
+};
+
 /// Reads items for THtmlNode::InternalParse. Lives for one run over a text and belongs to one thread.
 ///
 /// html_parser.cpp reads items, html_parser_attributes.cpp their attributes, encoding_detection.cpp finds
@@ -70,6 +78,9 @@ public:
     static THtmlEncoding GetFileEncoding(const String& AFileName, std::uint32_t& ACodePage);
     /// The same on bytes already read; only the first kDetectionBytes count.
     static THtmlEncoding GetBytesEncoding(std::string_view bytes, std::uint32_t& ACodePage);
+    /// Decodes a whole page by its byte order mark, else by the charset that the server told, which may stand
+    /// in quotes, else by what GetBytesEncoding finds.
+    static THtmlPageText DecodePage(std::string_view bytes, std::u16string_view charset = {});
     /// The code page for what a page declares, in lower case: a search for known parts in a fixed order, so
     /// that "iso-8859-15" counts as "iso-8859-1", and the number behind "windows-" whatever it is. 0 when
     /// nothing is known. CodePageOfCharset is the exact look-up.

@@ -429,6 +429,12 @@ String DecodeBytes(std::string_view bytes, std::uint32_t codePage)
     return String(DecodeByConverter(bytes, OpenConverter(codePage).get()));
 }
 
+String DecodeMarkedBytes(std::string_view bytes, std::uint32_t codePage)
+{
+    const THtByteOrderMarkMatch match = DetectByteOrderMark(bytes);
+    return DecodeBytes(bytes.substr(match.Size), match.Mark == bomNone ? codePage : CodePageOf(match.Mark));
+}
+
 std::string EncodeBytes(std::u16string_view text, std::uint32_t codePage)
 {
     return detail::WithStorage([=] { return EncodeIn(codePage, text); });
@@ -446,8 +452,11 @@ String DecodeUtf16BigEndian(std::string_view bytes)
 
 std::uint32_t CodePageOfCharset(std::u16string_view name)
 {
+    name = TrimView(name);
+    if (name.size() >= 2 && name.starts_with(u'"') && name.ends_with(u'"'))
+        name = TrimView(name.substr(1, name.size() - 2));
     std::string label;
-    for (char16_t unit : TrimView(name)) {
+    for (char16_t unit : name) {
         if (unit >= 0x7F || unit <= u' ')
             return 0;
         label += static_cast<char>(FoldAscii(unit));

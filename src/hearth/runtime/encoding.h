@@ -43,6 +43,9 @@ HT_API bool IsKnownCodePage(std::uint32_t codePage);
 /// 1250 to 1257, holes from 0x80 to 0x9F become the control characters of the same number. Throws
 /// EConvertError for an unknown page.
 HT_API String DecodeBytes(std::string_view bytes, std::uint32_t codePage);
+/// The same for bytes that may begin with a byte order mark: it names the page then, and is no part of the
+/// text.
+HT_API String DecodeMarkedBytes(std::string_view bytes, std::uint32_t codePage);
 /// Encodes text in a code page; what the page lacks becomes "?". In pages with one byte a character it undoes
 /// DecodeBytes, but for the bytes that became U+FFFD. Throws EConvertError for an unknown page.
 HT_API std::string EncodeBytes(std::u16string_view text, std::uint32_t codePage);
@@ -51,8 +54,8 @@ HT_API std::string EncodeBytes(std::u16string_view text, std::uint32_t codePage)
 HT_API String DecodeUtf16LittleEndian(std::string_view bytes);
 HT_API String DecodeUtf16BigEndian(std::string_view bytes);
 
-/// The code page of a charset name as used on the web and by mail ("utf-8", "iso-8859-2", "cp1251"); 0
-/// when unknown.
+/// The code page of a charset name as used on the web and by mail ("utf-8", "iso-8859-2", "cp1251"),
+/// which may stand in quotes; 0 when unknown.
 HT_API std::uint32_t CodePageOfCharset(std::u16string_view name);
 
 }
