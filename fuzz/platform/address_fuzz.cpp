@@ -52,9 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckAddress(base);
     CheckAddress(ht::detail::ResolveAddress(base, named));
     CheckHeader(named);
-    ht::THtInetResourceLoader loader(base);
+    ht::THtInetResourceLoader loader;
     loader.Allow(ht::String::FromUtf8("http://a.example/pages/"));
-    const ht::String address = loader.Resolve(named);
+    const ht::String address = loader.Resolve(base, named);
     Require(!loader.Allows(address)
             || ht::detail::CrackAddress(address).Text().starts_with("http://a.example/pages/"),
         "only what is allowed");

@@ -5,10 +5,13 @@
 #include <hearth/platform/http_client.h>
 #include <hearth/platform/inet_resource_loader.h>
 
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <spawn.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -111,9 +114,42 @@ private:
     int FOutput = -1;
 };
 
+/// Another folder where the system's one with authorities is, as this process sees it.
+class SystemAuthorities {
+public:
+    SystemAuthorities()
+    {
+        CURL* const handle = curl_easy_init();
+        curl_easy_getinfo(handle, CURLINFO_CAPATH, &FPlace);
+        curl_easy_cleanup(handle);
+    }
+    SystemAuthorities(const SystemAuthorities&) = delete;
+    SystemAuthorities& operator=(const SystemAuthorities&) = delete;
+    ~SystemAuthorities()
+    {
+        if (FReplaced)
+            umount2(FPlace, MNT_DETACH);
+    }
+
+    /// False where that is not allowed.
+    bool Replace(const std::string& folder)
+    {
+        FReplaced = FPlace && unshare(CLONE_NEWNS) == 0
+            && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+            && mount(folder.c_str(), FPlace, nullptr, MS_BIND, nullptr) == 0;
+        return FReplaced;
+    }
+
+private:
+    const char* FPlace = nullptr;
+    bool FReplaced = false;
+};
+
 /// Carries out the lines of calls on a client.
 class Caller {
 public:
+    bool IsPossible() const noexcept { return FIsPossible; }
+
     std::string Call(const std::string& lines)
     {
         std::istringstream all(lines);
@@ -124,7 +160,7 @@ public:
             else if (line.find(" = ") != std::string::npos)
                 Set(line.substr(0, line.find(" = ")), line.substr(line.find(" = ") + 3));
             else if (!line.empty())
-                return Run(line);
+                return Result(line);
         }
         return "";
     }
@@ -150,11 +186,24 @@ private:
         else if (name == "Allow")
             FLoader.Allow(String::FromUtf8(value));
         else if (name == "BaseAddress")
-            FLoader.SetBaseAddress(String::FromUtf8(value));
+            FBaseAddress = String::FromUtf8(value);
+        else if (name == "OnRedirect") // asks for another address with the same client
+            FClient->OnRedirect = [this, value](const String&) { return Run(value).empty(); };
+        else if (name == "SystemAuthorities")
+            FIsPossible = FAuthorities.Replace(value);
         else if (name == "Proxy")
             setenv("http_proxy", value.c_str(), 1); // the system's setting, for this process
         else
             ADD_FAILURE() << "no field " << name;
+    }
+
+    std::string Result(const std::string& line)
+    {
+        try {
+            return Run(line);
+        } catch (const Exception& error) {
+            return String(error.ClassName()).ToUtf8() + ": " + error.what();
+        }
     }
 
     std::string Run(const std::string& line)
@@ -168,12 +217,8 @@ private:
         std::getline(words, address, '|');
         std::getline(words, body, '|');
         std::getline(words, type);
-        try {
-            return verb == "Load" ? Load(address)
-                                  : Ask(verb, String::FromUtf8(address), body, String::FromUtf8(type));
-        } catch (const Exception& error) {
-            return String(error.ClassName()).ToUtf8() + ": " + error.what();
-        }
+        return verb == "Load" ? Load(address)
+                              : Ask(verb, String::FromUtf8(address), body, String::FromUtf8(type));
     }
 
     std::string Ask(
@@ -195,7 +240,8 @@ private:
     std::string Load(const std::string& address)
     {
         THtResource resource;
-        const bool found = FLoader.Load(String::FromUtf8(address), resource);
+        const String absolute = FLoader.Resolve(FBaseAddress, String::FromUtf8(address));
+        const bool found = FLoader.Load(absolute, resource);
         return (found ? "found " : "missed ") + resource.Address.ToUtf8() + " "
             + resource.ContentType.ToUtf8() + "\n" + TextOf(resource.Bytes).ToUtf8();
     }
@@ -207,6 +253,9 @@ private:
 
     std::unique_ptr<THtInetClient> FClient = std::make_unique<THtInetClient>();
     THtInetResourceLoader FLoader;
+    String FBaseAddress;
+    SystemAuthorities FAuthorities;
+    bool FIsPossible = true;
 };
 
 /// A folder that is removed at the end of the scope.
@@ -282,6 +331,7 @@ Played PlayExchange(const std::string& file)
     }
     played.Expected += requests;
     played.Actual += server.Requests();
+    played.IsPossible = caller.IsPossible();
     return played;
 }
 

@@ -28,6 +28,8 @@ class exchange : public testing::TestWithParam<fs::path> { };
 TEST_P(exchange, goes_as_the_file_says)
 {
     const Played played = PlayExchange(GetParam());
+    if (!played.IsPossible)
+        GTEST_SKIP() << "not allowed on this machine";
     EXPECT_EQ(played.Actual, played.Expected);
 }
 

@@ -5,13 +5,10 @@
 #include <hearth/platform/address_p.h>
 #include <hearth/platform/http_headers_p.h>
 
+#include "platform/local_server.h"
 #include "runtime/messages.h"
 
 #include <gtest/gtest.h>
-
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <thread>
@@ -92,83 +89,42 @@ TEST(http_client, is_usable_after_failures)
 
 TEST(inet_resource_loader, allows_what_lies_below)
 {
-    THtInetResourceLoader loader(u"https://a.example/pages/index.html"_s);
+    const String base = u"https://a.example/pages/index.html"_s;
+    THtInetResourceLoader loader;
     EXPECT_FALSE(loader.Allows(u"https://a.example/"));
     loader.Allow(u"https://A.example/pages"_s);
     EXPECT_THROW(loader.Allow(u"file:///"_s), EHtInetException);
     const std::pair<std::u16string_view, bool> rows[] = {{u"style.css", true}, {u"../pages", true},
         {u"/pages?x", true}, {u"https://a.example:443/pages/x", true}, {u"/pagesx", false}, {u"../x", false},
         {u"/pages/../x", false}, {u"/pages/%2e%2E/x", false}, {u"/pages/..%2Fx", false},
-        {u"/pages/..\\x", false}, {u"//b.example/pages/", false}, {u"http://a.example/pages/", false},
-        {u"https://a.example:8443/pages/", false}, {u"https://a.example@b.example/pages/", false},
-        {u"file:///pages/", false}, {u"data:text/css,x", false}, {u"javascript:x", false}};
+        {u"/pages/..\\x", false}, {u"/pages/..;/x", false}, {u"/pages/.;a=b/x", false},
+        {u"/pages/..%3B/x", false}, {u"/pages/%252e%252e/x", false}, {u"/pages/%25252Fx", false},
+        {u"/pages/a;b/..c;d?/..;/%2e", true}, {u"/pages/%25x", true}, {u"//b.example/pages/", false},
+        {u"http://a.example/pages/", false}, {u"https://a.example:8443/pages/", false},
+        {u"https://a.example@b.example/pages/", false}, {u"file:///pages/", false},
+        {u"data:text/css,x", false}, {u"javascript:x", false}};
     for (const auto& [address, allowed] : rows)
-        EXPECT_EQ(loader.Allows(loader.Resolve(address)), allowed) << String(address);
+        EXPECT_EQ(loader.Allows(loader.Resolve(base, address)), allowed) << String(address);
 }
 
-/// Answers so many requests on the loopback, each with its path.
-class EchoServer {
-public:
-    explicit EchoServer(int requests)
-        : FListener(socket(AF_INET, SOCK_STREAM, 0))
-    {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* const plain = reinterpret_cast<sockaddr*>(&address);
-        EXPECT_EQ(bind(FListener, plain, size), 0);
-        EXPECT_EQ(listen(FListener, 16), 0);
-        EXPECT_EQ(getsockname(FListener, plain, &size), 0);
-        FPort = ntohs(address.sin_port);
-        FThread = std::thread([this, requests] {
-            for (int i = 0; i < requests; ++i)
-                Answer();
-        });
-    }
-    EchoServer(const EchoServer&) = delete;
-    EchoServer& operator=(const EchoServer&) = delete;
-    ~EchoServer()
-    {
-        FThread.join();
-        close(FListener);
-    }
-
-    String Address() const { return String::FromUtf8("http://127.0.0.1:" + std::to_string(FPort) + "/"); }
-
-private:
-    void Answer() const
-    {
-        const int connection = accept(FListener, nullptr, nullptr);
-        std::string request;
-        char piece[4096];
-        while (request.find("\r\n\r\n") == std::string::npos) {
-            const ssize_t count = recv(connection, piece, sizeof piece, 0);
-            if (count <= 0)
-                break;
-            request.append(piece, static_cast<std::size_t>(count));
-        }
-        const std::string path = request.substr(4, request.find(' ', 4) - 4);
-        const std::string reply = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path;
-        EXPECT_EQ(
-            send(connection, reply.data(), reply.size(), MSG_NOSIGNAL), static_cast<ssize_t>(reply.size()));
-        close(connection);
-    }
-
-    int FListener;
-    int FPort = 0;
-    std::thread FThread;
-};
+/// Answers with the path that is asked for.
+void Echo(int connection)
+{
+    const std::string request = LocalServer::ReadHead(connection);
+    const std::string path = request.substr(4, request.find(' ', 4) - 4);
+    EXPECT_TRUE(LocalServer::Write(connection, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path));
+}
 
 TEST(http_client, clients_of_two_threads_do_not_meet)
 {
     constexpr int kRounds = 20;
-    const EchoServer server(2 * kRounds);
-    const auto work = [&server](const String& name) {
+    const LocalServer server(2 * kRounds, Echo);
+    const String start = String::FromUtf8("http://" + server.Host() + "/");
+    const auto work = [&start](const String& name) {
         THtInetClient client;
         for (int round = 0; round < kRounds; ++round) {
             const String path = name + String::FromUtf8(std::to_string(round));
-            EXPECT_EQ(client.Get(server.Address() + path), u"/" + path);
+            EXPECT_EQ(client.Get(start + path), u"/" + path);
         }
     };
     std::thread first(work, u"first"_s);
@@ -183,10 +139,10 @@ TEST(http_client, broken_pipes_concern_the_program_again_behind_a_call)
         sigset_t set;
         return pthread_sigmask(SIG_BLOCK, nullptr, &set) == 0 && sigismember(&set, SIGPIPE) == 1;
     };
-    const EchoServer server(1);
+    const LocalServer server(1, Echo);
     THtInetClient client;
     client.SecurityPolicy = spStrict;
-    EXPECT_EQ(client.Get(server.Address() + u"a"), u"/a");
+    EXPECT_EQ(client.Get(String::FromUtf8("http://" + server.Host() + "/a")), u"/a");
     EXPECT_FALSE(isBlocked());
     EXPECT_THROW(client.Get(u"http://127.0.0.1:1/"_s), EHtInetException);
     EXPECT_FALSE(isBlocked());

@@ -4,8 +4,10 @@
 # SPDX-License-Identifier: MIT
 import os
 import re
+import shutil
 import socket
 import ssl
+import struct
 import subprocess
 import sys
 import threading
@@ -43,6 +45,9 @@ def make_certificates():
         make_certificate(name, name, signer)
         both = (FOLDER / f"{name}.key").read_bytes() + (FOLDER / f"{name}.pem").read_bytes()
         (FOLDER / "store" / f"{name}.pem").write_bytes(both)
+    (FOLDER / "known").mkdir()
+    shutil.copy(FOLDER / "authority.pem", FOLDER / "known")
+    openssl("rehash", "known")
     (FOLDER / "store" / "c-broken.pem").write_bytes(b"-----BEGIN CERTIFICATE-----\nAAAA\n")
     openssl("pkcs12", "-export", "-in", "b-known.pem", "-inkey", "b-known.key", "-out", "known.p12",
             "-passout", "pass:secret")
@@ -56,8 +61,8 @@ def tls_context(words):
         if word in VERSIONS:
             context.set_ciphers("DEFAULT@SECLEVEL=0")
             context.minimum_version = context.maximum_version = VERSIONS[word]
-        if word == "client":
-            context.verify_mode = ssl.CERT_REQUIRED
+        if word in ("client", "optional"):
+            context.verify_mode = ssl.CERT_REQUIRED if word == "client" else ssl.CERT_OPTIONAL
             context.load_verify_locations(FOLDER / "authority.pem")
     return context
 
@@ -81,6 +86,7 @@ class Server:
         found = sections(text)
         tls = [words for name, words, _ in found if name == "tls"]
         self.context = tls_context(tls[0]) if tls else None
+        self.tls_once = bool(tls) and "once" in tls[0]
         self.plain = socket.create_server(("127.0.0.1", 0))
         self.secure = socket.create_server(("127.0.0.1", 0))
         self.openssl, self.named_port = openssl_server() if tls and "names" in tls[0] else (None, 0)
@@ -104,6 +110,8 @@ class Server:
         while True:
             connection, _ = listener.accept()
             threading.Thread(target=self.serve, args=(connection, context), daemon=True).start()
+            if self.tls_once:
+                context = None
 
     def serve(self, connection, context):
         try:
@@ -111,18 +119,28 @@ class Server:
                 connection = context.wrap_socket(connection, server_side=True)
             with connection:
                 number = None
+                certificate = self.certificate_of(connection)
                 while request := self.read_request(connection):
                     with self.lock:
                         if number is None:
                             self.connections += 1
-                            number = self.connections
+                            number = f"{self.connections}{certificate}"
                         self.requests.append((number, request))
                         words, reply = next(self.replies)
+                    if "reset" in words:
+                        connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+                        return
                     connection.sendall(reply)
                     if not self.go_on(connection, words):
                         return
         except (OSError, StopIteration):
             connection.close()
+
+    @staticmethod
+    def certificate_of(connection):
+        """The name in the client's certificate, behind a blank; nothing when there is none."""
+        known = connection.getpeercert() if isinstance(connection, ssl.SSLSocket) else None
+        return "".join(f" {name[0][1]}" for name in known["subject"]) if known else ""
 
     @staticmethod
     def go_on(connection, words):

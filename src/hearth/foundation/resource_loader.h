@@ -14,25 +14,24 @@ struct THtResource {
     String ContentType; // as it was told; empty when nobody told
 };
 
-/// The charset that a content type names ("text/html; charset=UTF-8"), in lower case; empty if none.
+/// The charset that a content type names ("text/html; charset=UTF-8"), in lower case, with the quotes that it
+/// may stand in; empty if none.
 HT_API String CharsetOfContentType(std::u16string_view contentType);
 
 /// Finds the bytes of an address. The host decides which addresses may be read at all; a document never reads
-/// anything by itself. A loader is used by one thread at a time.
+/// anything by itself. What a document names is resolved from the address of the page or sheet that names it.
+/// A loader is used by one thread at a time.
 class HT_API IHtResourceLoader {
 public:
     virtual ~IHtResourceLoader();
 
-    /// The address of the page that asks; relative addresses start from it.
-    virtual String BaseAddress() const = 0;
-    virtual void SetBaseAddress(const String& address) = 0;
-    /// The absolute address that `address` stands for; empty when it is none. One of a scheme that the
-    /// loader does not know comes back as it is.
-    virtual String Resolve(std::u16string_view address) const = 0;
+    /// The absolute address that `address` stands for where it is named by what lies at `base`; empty when it
+    /// is none. One of a scheme that the loader does not know comes back as it is.
+    virtual String Resolve(std::u16string_view base, std::u16string_view address) const = 0;
     /// True when the host lets documents read this absolute address.
     virtual bool Allows(std::u16string_view address) const = 0;
-    /// Reads an absolute or relative address. False, and an empty resource, for what is not allowed, not
-    /// there or not to be read.
+    /// Reads an absolute address. False, and an empty resource, for what is not allowed, not there or not to
+    /// be read.
     virtual bool Load(std::u16string_view address, THtResource& resource) = 0;
 
 protected:

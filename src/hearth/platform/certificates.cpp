@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/platform/certificates_p.h>
 
+#include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/pkcs12.h>
 #include <openssl/ssl.h>
@@ -134,27 +135,27 @@ Chain ReadChain(const fs::path& path, std::string password)
 }
 
 /// Called in the handshake when the server asks and nobody has set a certificate. None is set here either:
-/// the server ends the connection, and the client chooses for its next attempt.
-int NoteQuestion(SSL* connection, X509**, EVP_PKEY**)
+/// the client chooses one for its next attempt, or goes on without.
+int NoteCertificateRequest(SSL* connection, X509**, EVP_PKEY**)
 {
     SSL_CTX* const context = SSL_get_SSL_CTX(connection);
-    auto& question = *static_cast<CertificateQuestion*>(SSL_CTX_get_app_data(context));
+    auto& request = *static_cast<CertificateRequest*>(SSL_CTX_get_app_data(context));
     try {
-        question.Asked = true;
-        question.Issuers.clear();
+        request.Asked = true;
+        request.Issuers.clear();
         const STACK_OF(X509_NAME)* const names = SSL_get0_peer_CA_list(connection);
         for (int i = 0; i < sk_X509_NAME_num(names); ++i) {
             unsigned char* bytes = nullptr;
             const int count = i2d_X509_NAME(sk_X509_NAME_value(names, i), &bytes);
             if (count > 0)
-                question.Issuers.emplace_back(
-                    reinterpret_cast<char*>(bytes), static_cast<std::size_t>(count));
+                request.Issuers.emplace_back(reinterpret_cast<char*>(bytes), static_cast<std::size_t>(count));
             OPENSSL_free(bytes);
         }
     } catch (...) {
-        return 0; // no memory for names: the certificates will be offered without regard to them
+        request.Issuers
+            .clear(); // no memory for names: the certificates will be offered without regard to them
     }
-    return 0;
+    return request.EndsHandshake ? -1 : 0;
 }
 
 }
@@ -178,14 +179,15 @@ CertificateList FindCertificates(
         certificate->Issuer = TextOf(X509_get_issuer_name(chain.front().get()));
         list.push_back(std::move(certificate));
     }
+    ERR_clear_error(); // files that were passed over: whoever asks OpenSSL next must not get their errors
     return list;
 }
 
-void WatchQuestion(void* context, CertificateQuestion& question)
+void WatchCertificateRequest(void* context, CertificateRequest& request)
 {
     auto* const tls = static_cast<SSL_CTX*>(context);
-    SSL_CTX_set_app_data(tls, &question);
-    SSL_CTX_set_client_cert_cb(tls, NoteQuestion);
+    SSL_CTX_set_app_data(tls, &request);
+    SSL_CTX_set_client_cert_cb(tls, NoteCertificateRequest);
 }
 
 }

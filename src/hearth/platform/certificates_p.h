@@ -11,7 +11,8 @@
 namespace ht::detail {
 
 /// What a server said when it asked for a client certificate.
-struct CertificateQuestion {
+struct CertificateRequest {
+    bool EndsHandshake = false; // the caller's answer: to come back with a certificate
     bool Asked = false;
     std::vector<std::string> Issuers; // encoded names (DER); none means any
 };
@@ -23,8 +24,8 @@ using CertificateList = std::vector<std::unique_ptr<THtClientCertificate>>;
 CertificateList FindCertificates(
     const String& store, const String& password, const std::vector<std::string>& issuers);
 
-/// Lets a TLS context tell `question` when its server asks for a certificate. Lifetime: `question` outlives
+/// Lets a TLS context fill `request` when its server asks for a certificate. Lifetime: `request` outlives
 /// the context. `context` is an SSL_CTX.
-void WatchQuestion(void* context, CertificateQuestion& question);
+void WatchCertificateRequest(void* context, CertificateRequest& request);
 
 }

@@ -9,29 +9,30 @@
 
 namespace ht {
 
-namespace {
-
-/// Ends the transfer however the call ends; a reply that was read to its end keeps its connection.
-class StopAtEnd {
+/// Ends the transfer however the call ends; a reply that was read to its end keeps its connection. Another
+/// call out of this one, from OnRedirect, would replace the request under its feet.
+class THtInetClient::Call {
 public:
-    explicit StopAtEnd(const std::unique_ptr<detail::InetRequest>& request) noexcept
-        : FRequest(request)
+    explicit Call(THtInetClient& client)
+        : FClient(client)
     {
+        if (client.FBusy)
+            throw EHtInetException(u"The client is busy"_s);
+        client.FBusy = true;
     }
-    StopAtEnd(const StopAtEnd&) = delete;
-    StopAtEnd& operator=(const StopAtEnd&) = delete;
-    ~StopAtEnd()
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    ~Call()
     {
-        if (FRequest)
-            FRequest->Stop();
+        if (FClient.Request)
+            FClient.Request->Stop();
+        FClient.FBusy = false;
     }
 
 private:
     const detail::PipeSignalBlock FQuiet; // one for all steps of the call
-    const std::unique_ptr<detail::InetRequest>& FRequest;
+    THtInetClient& FClient;
 };
-
-}
 
 THtInetClient::THtInetClient()
 {
@@ -45,22 +46,22 @@ THtInetClient::~THtInetClient()
 
 String THtInetClient::Get(const String& AURL)
 {
+    const Call call(*this);
     ResponseContentType = {};
     try {
         return GetGuarded(AURL);
     } catch (const Exception& error) {
         const std::u16string_view message = error.Message;
-        const bool hasSecondWay =
+        const bool hasFallback =
             message.find(u"12175") != message.npos || message.find(u"12157") != message.npos;
-        if (!hasSecondWay || SecurityPolicy == spStrict)
+        if (!hasFallback || SecurityPolicy == spStrict)
             throw;
     }
-    return GetSecondWay(AURL);
+    return GetFallback(AURL);
 }
 
 String THtInetClient::GetGuarded(const String& AURL)
 {
-    const StopAtEnd stop(Request);
     SendGetRequest(AURL, "GET", {});
     String text;
     GetResponse(text);
@@ -71,7 +72,7 @@ TBytes THtInetClient::GetBytes(const String& AURL)
 {
     if (AURL.Length() > kMaxBytesAddress)
         return {};
-    const StopAtEnd stop(Request);
+    const Call call(*this);
     SendGetRequest(AURL, "GET", {});
     return ReadBody(*Request);
 }
@@ -89,8 +90,8 @@ String THtInetClient::Delete(const String& AURL, std::string_view query, const S
 String THtInetClient::SendBody(
     const String& AURL, std::string_view verb, std::string_view query, const String& contentType)
 {
+    const Call call(*this);
     ContentType = contentType.IsEmpty() ? u"text/html; charset=utf-8"_s : contentType;
-    const StopAtEnd stop(Request);
     SendGetRequest(AURL, verb, query);
     String text;
     GetResponse(text);
@@ -106,10 +107,10 @@ void THtInetClient::GetResponse(String& Text)
 
 void THtInetClient::GetClientCertificates(TList& List) const
 {
-    if (!Connect || !Connect->Question.Asked)
+    if (!Connect || !Connect->CertificateAsked.Asked)
         return;
     detail::CertificateList found =
-        detail::FindCertificates(CertificateStore, CertificatePassword, Connect->Question.Issuers);
+        detail::FindCertificates(CertificateStore, CertificatePassword, Connect->CertificateAsked.Issuers);
     for (auto& certificate : found) {
         List.Add(certificate.get());
         certificate.release();
@@ -117,7 +118,7 @@ void THtInetClient::GetClientCertificates(TList& List) const
 }
 
 /// An own session with an own connection: no proxy, no headers of this client, certificates verified.
-String THtInetClient::GetSecondWay(const String& AURL)
+String THtInetClient::GetFallback(const String& AURL)
 {
     detail::InetCall call{"GET", detail::CrackAddress(AURL), {detail::kUserAgentLine}, {}};
     detail::InetConnection connection(call.Address);

@@ -18,16 +18,14 @@ namespace ht {
 namespace detail {
 class InetConnection;
 class InetRequest;
+struct InetAddress;
 struct InetCall;
 struct TransferRules;
 }
 
-/// What a client trusts. spCompatible reads from every server that answers at all: certificates are not
-/// looked at, TLS 1.0 will do, an https address whose TLS fails is asked again over http, connections and
-/// requests are kept by host and by path alone. spStrict verifies certificates, asks for TLS 1.2, never turns
-/// to http or to the second way, keeps credentials to the server of the address, opens a new connection for
-/// another port and a new request for another verb, and stops after 10 redirects and 256 MB even where the
-/// limits say none.
+/// What a client trusts. spCompatible reads from every server that answers at all, spStrict from those whose
+/// certificate is verified, within bounds, and gives credentials to no other. All that they do differently
+/// stands in docs/behaviour.md, "HTTP".
 enum THtSecurityPolicy : std::uint8_t { spCompatible, spStrict };
 
 /// Fetches and posts over HTTP and HTTPS; calls block. It keeps the connection while the host stays the same,
@@ -48,13 +46,14 @@ public:
 
     /// The text of an address: UTF-8 when the server names that charset, else by the system's code page.
     /// Status 401 raises "401: " and the text, other statuses raise nothing. When nobody answers, or TLS
-    /// fails, a compatible client tries a second way: without a proxy, with certificates verified; that gives
-    /// no more than the first piece that arrives, and nothing for a status other than 200.
+    /// fails, a compatible client falls back to asking without a proxy, with certificates verified; that
+    /// gives no more than the first piece that arrives, and nothing for a status other than 200.
     String Get(const String& AURL);
     /// The bytes; nothing for an address longer than kMaxBytesAddress, which is not asked for. No status
     /// raises.
     TBytes GetBytes(const String& AURL);
-    /// Send `query` as "text/html; charset=utf-8" unless told otherwise. The result is that of Get.
+    /// Send `query` as "text/html; charset=utf-8" unless told otherwise. The result is that of Get. Redirects
+    /// 307 and 308 take `query` along, to another host too.
     String Post(const String& AURL, std::string_view query, const String& AContentType = {});
     String Delete(const String& AURL, std::string_view query, const String& AContentType = {});
     /// Adds the certificates of the store that the server of the last call would accept, none when it did not
@@ -67,7 +66,8 @@ public:
     std::unique_ptr<detail::InetConnection> Connect;
     std::unique_ptr<detail::InetRequest> Request;
     /// Milliseconds without a byte sent or received; resolving and connecting then have 5,000 each. 0 leaves
-    /// the default: 30,000, and 60,000 for resolving and connecting.
+    /// the default: 30,000, and 60,000 for resolving and connecting. A strict client also gives up when less
+    /// than a kilobyte moves within twice that time, or within 30,000 where that is longer.
     std::int32_t TimeOut = 0;
     String User; // of basic authentication, used when Password is set
     String Password;
@@ -79,29 +79,35 @@ public:
 
     THtSecurityPolicy SecurityPolicy = spCompatible;
     THtLimits Limits = HtLimits(); // HttpBody and HttpRedirects count
-    /// File of the authorities (PEM) that verified certificates go back to; the system's when empty.
+    /// File of the authorities (PEM) that verified certificates go back to, and no others; the system's when
+    /// empty.
     String TrustedCertificates;
     /// Where client certificates are: a PKCS#12 file, a PEM file with certificate and key, or a folder of
-    /// such
-    /// (.p12, .pfx, .pem). The password is that of their keys.
+    /// such files (.p12, .pfx, .pem). The password is that of their keys. A server that asks gets the first
+    /// that one of its authorities signed, also when it needs none. Files that cannot be read are passed
+    /// over, among them PKCS#12 files encrypted with RC2, which OpenSSL 3 reads with its legacy provider
+    /// only.
     String CertificateStore;
     String CertificatePassword;
     /// Asked before a redirect is followed, with its absolute address; false ends the call with an error.
-    /// SIGPIPE of the thread is held back meanwhile.
+    /// SIGPIPE of the thread is held back meanwhile, and calls of the same client are refused.
     std::function<bool(const String& address)> OnRedirect;
 
 private:
+    class Call;
+
     void SendGetRequest(const String& URL, std::string_view Verb, std::string_view Body);
     void GetResponse(String& Text);
 
     String GetGuarded(const String& AURL);
-    String GetSecondWay(const String& AURL);
+    String GetFallback(const String& AURL);
     String SendBody(
         const String& AURL, std::string_view verb, std::string_view query, const String& contentType);
 
     void OpenRequest(const String& URL, std::string_view verb);
     bool MayRepeatInClear(const String& URL) const;
     detail::TransferRules Rules() const;
+    bool OffersCertificate(const detail::InetAddress& server) const;
     void SendWithCertificate(const detail::InetCall& call);
     void ReceiveHead(const detail::InetCall& call);
     void FollowRedirects(detail::InetRequest& request, detail::InetCall& call);
@@ -109,9 +115,11 @@ private:
     void TakeHead(const detail::InetRequest& request, const detail::InetCall& call);
     TBytes ReadBody(detail::InetRequest& request) const;
     std::int64_t BodyLimit() const noexcept;
+    std::int64_t RateWindow() const noexcept;
     std::int32_t RedirectLimit() const noexcept;
 
     String FCertificateStore; // of the certificate that the request has
+    bool FBusy = false;
 };
 
 }

@@ -19,6 +19,9 @@ constexpr std::int32_t kStrictRedirects = THtLimits{}.HttpRedirects;
 constexpr std::int64_t kMaxReserved = std::int64_t{256} << 20U;
 /// Bytes of a redirect's own body that are read to save a connection.
 constexpr std::int64_t kSmallBody = std::int64_t{64} << 10U;
+/// Milliseconds: for resolving and for connecting, of clients that set a time-out.
+constexpr std::int32_t kConnectTimeOut = 5000;
+constexpr std::int64_t kStrictWindow = 30'000;
 
 constexpr char kAuthorization[] = "Authorization:";
 constexpr char kContentType[] = "Content-Type:";
@@ -47,16 +50,6 @@ void MakeGet(detail::InetCall& call)
     call.Body = {};
     RemoveLine(call.Headers, kContentType);
     RemoveLine(call.Headers, kContentLength);
-}
-
-/// The body of a redirect is of no use, but a short one is read: an unread one costs the connection.
-void ReadToEndIfShort(detail::InetRequest& request)
-{
-    if (request.ContentLength() < 0 || request.ContentLength() > kSmallBody)
-        return;
-    TBytes bytes;
-    while (request.ReadData(bytes))
-        bytes.Clear();
 }
 
 /// Certificates of a list that owns nothing, freed at the end of the scope.
@@ -88,25 +81,38 @@ std::int32_t THtInetClient::RedirectLimit() const noexcept
     return Limits.HttpRedirects == 0 ? kStrictRedirects : std::min(Limits.HttpRedirects, kStrictRedirects);
 }
 
+/// Silence alone is no measure: a server that sends a byte now and then would never be done.
+std::int64_t THtInetClient::RateWindow() const noexcept
+{
+    const std::int64_t timeOut = TimeOut > 0 ? TimeOut : detail::TransferRules{}.TimeOut;
+    return SecurityPolicy == spStrict ? std::max(kStrictWindow, 2 * timeOut) : 0;
+}
+
 detail::TransferRules THtInetClient::Rules() const
 {
     using Rules = detail::TransferRules;
     Rules rules;
     rules.Trust = SecurityPolicy == spStrict ? Rules::trVerified : Rules::trAnyone;
     rules.Protocol = SecurityPolicy == spStrict ? Rules::prFromTls12 : Rules::prFromTls10;
-    rules.TimeOut = TimeOut;
+    if (TimeOut > 0) {
+        rules.ResolveTimeOut = kConnectTimeOut;
+        rules.ConnectTimeOut = kConnectTimeOut;
+        rules.TimeOut = TimeOut;
+    }
+    rules.RateWindow = RateWindow();
+    rules.MaxBody = BodyLimit();
     rules.TrustedCertificates = TrustedCertificates;
     return rules;
 }
 
 /// Connection and request stay where they can, at the host and port and with the verb for which they were
-/// opened.
+/// opened. A strict client looks at the server each time: a compatible one may have opened the connection.
 void THtInetClient::OpenRequest(const String& URL, std::string_view verb)
 {
     const bool strict = SecurityPolicy == spStrict;
     if (strict && Request && Request->Verb() != verb)
         Request.reset();
-    if (Request && URL == LastURL)
+    if (!strict && Request && URL == LastURL)
         return;
     const detail::InetAddress address = detail::CrackAddress(URL);
     const String host = String::FromUtf8(address.Host);
@@ -138,6 +144,7 @@ void THtInetClient::SendGetRequest(const String& URL, std::string_view Verb, std
     OpenRequest(URL, Verb);
     detail::InetCall call{Request->Verb(), Connect->Server(), {}, Body};
     call.Address.Path = LastPath.ToUtf8();
+    call.OffersCertificate = OffersCertificate(call.Address);
     if (!Password.IsEmpty())
         call.Headers.push_back(detail::AuthorizationLine(User, Password));
     if (!Referer.IsEmpty())
@@ -169,14 +176,20 @@ void THtInetClient::ReceiveHead(const detail::InetCall& call)
     SendWithCertificate(call);
 }
 
+/// A certificate says who somebody is, to whoever asks.
+bool THtInetClient::OffersCertificate(const detail::InetAddress& server) const
+{
+    return !CertificateStore.IsEmpty()
+        && (SecurityPolicy == spCompatible || server.IsSameServer(Connect->Server()));
+}
+
 void THtInetClient::SendWithCertificate(const detail::InetCall& call)
 {
     OwnedCertificates certificates;
     GetClientCertificates(certificates.List);
     if (certificates.List.Count() == 0)
         throw EHtInetException(u"No SSL certificates found"_s);
-    // A certificate says who somebody is, to whoever asks.
-    if (SecurityPolicy == spStrict && !call.Address.IsSameServer(Connect->Server()))
+    if (!call.OffersCertificate)
         Request->Raise();
     Request->SetCertificate(static_cast<const THtClientCertificate*>(certificates.List.First()));
     FCertificateStore = CertificateStore;
@@ -199,10 +212,11 @@ void THtInetClient::FollowRedirects(detail::InetRequest& request, detail::InetCa
             MakeGet(call);
         const detail::InetAddress from = call.Address;
         Redirect(call, location);
-        ReadToEndIfShort(request);
+        request.SkipBody(kSmallBody); // an unread one costs the connection
         if (!from.IsSameServer(call.Address))
             request.SetCertificate(nullptr);
         if (&request == Request.get()) {
+            call.OffersCertificate = OffersCertificate(call.Address);
             request.Send(call);
             ReceiveHead(call);
         } else if (!request.Send(call) || !request.Receive()) {
@@ -238,17 +252,11 @@ void THtInetClient::TakeHead(const detail::InetRequest& request, const detail::I
 
 TBytes THtInetClient::ReadBody(detail::InetRequest& request) const
 {
-    const std::int64_t limit = BodyLimit();
-    const auto check = [limit](std::int64_t size) {
-        if (limit > 0 && size > limit)
-            throw EHtInetException(Format(u"The body is longer than %d bytes, the limit HttpBody", {limit}));
-    };
     const std::int64_t length = request.ContentLength();
-    check(length);
+    request.CheckBody(length);
     TBytes bytes;
     bytes.Reserve(static_cast<std::int32_t>(std::clamp<std::int64_t>(length, 0, kMaxReserved)));
-    while (request.ReadData(bytes))
-        check(static_cast<std::int64_t>(bytes.size()));
+    while (request.ReadData(bytes)) { }
     return bytes;
 }
 

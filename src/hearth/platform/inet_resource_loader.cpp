@@ -5,6 +5,7 @@
 #include <hearth/platform/address_p.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace ht {
 
@@ -24,23 +25,41 @@ bool IsBelow(std::u16string_view address, std::u16string_view top) noexcept
         || std::u16string_view(u"/?").find(address[top.size()]) != std::u16string_view::npos;
 }
 
-/// The server may read these as "." , "/" and "\", and so leave the folder that was allowed.
-bool HidesPath(const String& address)
+/// True for an encoded ".", "/" or "\" behind "%", also when the "%" of that is encoded again: servers decode
+/// once or twice.
+bool IsHiddenLetter(std::u16string_view code) noexcept
 {
-    const String lower = address.ToLowerAscii();
-    const std::u16string_view path = lower.View().substr(0, lower.View().find(u'?'));
-    for (const std::u16string_view hidden : {u"%2e", u"%2f", u"%5c", u"\\"}) {
-        if (path.find(hidden) != path.npos)
+    while (code.starts_with(u"25"))
+        code.remove_prefix(2);
+    return code.starts_with(u"2e") || code.starts_with(u"2f") || code.starts_with(u"5c");
+}
+
+/// Some servers cut off what stands behind ";", and read "..;" as "..".
+bool HasDotSegment(std::u16string_view path) noexcept
+{
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find(u'/'), path.size());
+        std::u16string_view segment = path.substr(0, end);
+        segment = segment.substr(0, std::min(segment.find(u';'), segment.find(u"%3b")));
+        if (segment == u"." || segment == u"..")
             return true;
+        path.remove_prefix(std::min(end + 1, path.size()));
     }
     return false;
 }
 
+/// The server may read the path as one with "." or "..", and so leave the folder that was allowed.
+bool HidesPath(const String& address)
+{
+    const String lower = address.ToLowerAscii();
+    const std::u16string_view path = lower.View().substr(0, lower.View().find(u'?'));
+    for (std::size_t at = path.find(u'%'); at != path.npos; at = path.find(u'%', at + 1)) {
+        if (IsHiddenLetter(path.substr(at + 1)))
+            return true;
+    }
+    return path.find(u'\\') != path.npos || HasDotSegment(path);
 }
 
-THtInetResourceLoader::THtInetResourceLoader(const String& baseAddress)
-    : FBaseAddress(baseAddress)
-{
 }
 
 THtInetResourceLoader::~THtInetResourceLoader() = default;
@@ -50,19 +69,9 @@ void THtInetResourceLoader::Allow(const String& address)
     FAllowed.Add(Canonical(address));
 }
 
-String THtInetResourceLoader::BaseAddress() const
+String THtInetResourceLoader::Resolve(std::u16string_view base, std::u16string_view address) const
 {
-    return FBaseAddress;
-}
-
-void THtInetResourceLoader::SetBaseAddress(const String& address)
-{
-    FBaseAddress = address;
-}
-
-String THtInetResourceLoader::Resolve(std::u16string_view address) const
-{
-    return detail::ResolveAddress(FBaseAddress, address);
+    return detail::ResolveAddress(base, address);
 }
 
 bool THtInetResourceLoader::Allows(std::u16string_view address) const
@@ -80,13 +89,12 @@ bool THtInetResourceLoader::Allows(std::u16string_view address) const
 bool THtInetResourceLoader::Load(std::u16string_view address, THtResource& resource)
 {
     resource = {};
-    const String absolute = Resolve(address);
-    if (!Allows(absolute) || absolute.Length() > THtInetClient::kMaxBytesAddress)
+    if (!Allows(address) || std::cmp_greater(address.size(), THtInetClient::kMaxBytesAddress))
         return false;
     FClient.SecurityPolicy = spStrict;
     FClient.OnRedirect = [this](const String& target) { return Allows(target); };
     try {
-        TBytes bytes = FClient.GetBytes(absolute);
+        TBytes bytes = FClient.GetBytes(String(address));
         if (FClient.ResponseCode < 200 || FClient.ResponseCode > 299)
             return false;
         resource = {std::move(bytes), FClient.ResponseURL, FClient.ResponseContentType};

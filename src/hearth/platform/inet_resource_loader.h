@@ -12,16 +12,13 @@ namespace ht {
 /// allowed addresses only. At first nothing is allowed.
 class HT_API THtInetResourceLoader : public IHtResourceLoader {
 public:
-    explicit THtInetResourceLoader(const String& baseAddress = {});
     ~THtInetResourceLoader() override;
 
     /// Allows an address and all below it: "https://a.example/" is a whole server, "https://a.example/pages"
     /// a page and the folder of that name. Throws EHtInetException for what is no address.
     void Allow(const String& address);
 
-    String BaseAddress() const override;
-    void SetBaseAddress(const String& address) override;
-    String Resolve(std::u16string_view address) const override;
+    String Resolve(std::u16string_view base, std::u16string_view address) const override;
     bool Allows(std::u16string_view address) const override;
     /// Statuses other than 2xx are a miss.
     bool Load(std::u16string_view address, THtResource& resource) override;
@@ -31,8 +28,7 @@ public:
 
 private:
     THtInetClient FClient;
-    String FBaseAddress;
-    TArray<String> FAllowed; // in the form of Resolve
+    TArray<String> FAllowed; // in the one spelling of addresses that mean the same
 };
 
 }

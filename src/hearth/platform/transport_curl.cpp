@@ -3,6 +3,7 @@
 #include <hearth/platform/transport_curl_p.h>
 
 #include <hearth/platform/pipe_signal_p.h>
+#include <hearth/runtime/text_format.h>
 
 #include <curl/curl.h>
 
@@ -13,7 +14,7 @@ namespace ht::detail {
 namespace {
 
 /// Heads before the real one, and lines behind the body, count too.
-constexpr std::size_t kMaxHeadBytes = std::size_t{256} << 10U;
+constexpr std::int64_t kMaxHeadBytes = std::int64_t{256} << 10U;
 
 /// What is taken from the system at once.
 constexpr long kBufferBytes = 512L << 10U;
@@ -61,6 +62,15 @@ bool IsRedirectStatus(std::uint32_t status) noexcept
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
+/// No request here asks for a coding, so none may come; the transport would undo it all the same, and a few
+/// bytes could become any number of them.
+void RequireNoCoding(std::string_view transferEncoding)
+{
+    const String value = String::FromLatin1(transferEncoding);
+    if (!SameText(value, u"chunked") && !SameText(value, u"identity"))
+        throw EHtInetException(ifBadReply, u"The reply has a transfer encoding that nobody asked for");
+}
+
 }
 
 void OpenInetSession()
@@ -91,26 +101,38 @@ InetRequest::InetRequest(InetConnection& connection, std::string verb)
     if (!FHandle)
         throw EOutOfMemory();
     FErrorText[0] = '\0';
-    SetOption(FHandle, CURLOPT_ERRORBUFFER, &FErrorText[0]);
-    SetOption(FHandle, CURLOPT_NOSIGNAL, 1L);
-    SetOption(FHandle, CURLOPT_HEADERFUNCTION, &InetRequest::TakeHead);
-    SetOption(FHandle, CURLOPT_HEADERDATA, this);
-    SetOption(FHandle, CURLOPT_WRITEFUNCTION, &InetRequest::TakeBody);
-    SetOption(FHandle, CURLOPT_WRITEDATA, this);
-    SetOption(FHandle, CURLOPT_BUFFERSIZE, kBufferBytes);
-    SetOption(FHandle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    SetOption(FHandle, CURLOPT_PROTOCOLS_STR, "http,https");
+    SetOption(FHandle.get(), CURLOPT_ERRORBUFFER, &FErrorText[0]);
+    SetOption(FHandle.get(), CURLOPT_NOSIGNAL, 1L);
+    SetOption(FHandle.get(), CURLOPT_HEADERFUNCTION, &InetRequest::TakeHead);
+    SetOption(FHandle.get(), CURLOPT_HEADERDATA, this);
+    SetOption(FHandle.get(), CURLOPT_WRITEFUNCTION, &InetRequest::TakeBody);
+    SetOption(FHandle.get(), CURLOPT_WRITEDATA, this);
+    SetOption(FHandle.get(), CURLOPT_BUFFERSIZE, kBufferBytes);
+    SetOption(FHandle.get(), CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    SetOption(FHandle.get(), CURLOPT_PROTOCOLS_STR, "http,https");
+    // The end of a transfer would wait for a name server that does not answer.
+    SetOption(FHandle.get(), CURLOPT_QUICK_EXIT, 1L);
     const char* authorities = nullptr;
-    if (curl_easy_getinfo(FHandle, CURLINFO_CAINFO, &authorities) == CURLE_OK && authorities)
+    if (curl_easy_getinfo(FHandle.get(), CURLINFO_CAINFO, &authorities) == CURLE_OK && authorities)
         FSystemAuthorities = authorities;
+    if (curl_easy_getinfo(FHandle.get(), CURLINFO_CAPATH, &authorities) == CURLE_OK && authorities)
+        FSystemAuthorityFolder = authorities;
 }
 
 InetRequest::~InetRequest()
 {
     Stop();
+}
+
+void InetRequest::FreeHandle::operator()(CURL* handle) const noexcept
+{
     const PipeSignalBlock quiet;
-    curl_easy_cleanup(FHandle);
-    curl_slist_free_all(FHeaders);
+    curl_easy_cleanup(handle);
+}
+
+void InetRequest::FreeList::operator()(curl_slist* list) const noexcept
+{
+    curl_slist_free_all(list);
 }
 
 void InetRequest::SetRules(const TransferRules& rules)
@@ -127,64 +149,69 @@ void InetRequest::SetOptions()
 {
     const TransferRules& rules = FRules;
     const bool verified = rules.Trust == TransferRules::trVerified;
-    SetOption(FHandle, CURLOPT_SSL_VERIFYPEER, verified ? 1L : 0L);
-    SetOption(FHandle, CURLOPT_SSL_VERIFYHOST, verified ? 2L : 0L);
+    SetOption(FHandle.get(), CURLOPT_SSL_VERIFYPEER, verified ? 1L : 0L);
+    SetOption(FHandle.get(), CURLOPT_SSL_VERIFYHOST, verified ? 2L : 0L);
     const bool old = rules.Protocol == TransferRules::prFromTls10;
     // This names the oldest version; the newest stays the newest that the TLS library has.
-    SetOption(FHandle, CURLOPT_SSLVERSION,
+    SetOption(FHandle.get(), CURLOPT_SSLVERSION,
         static_cast<long>(old ? CURL_SSLVERSION_TLSv1_0 : CURL_SSLVERSION_TLSv1_2));
     // An empty name means no proxy, null the one of the system.
-    SetOption(FHandle, CURLOPT_PROXY, rules.Way == TransferRules::wrDirect ? "" : nullptr);
-    const std::string authorities =
-        rules.TrustedCertificates.IsEmpty() ? FSystemAuthorities : rules.TrustedCertificates.ToUtf8();
-    if (!authorities.empty())
-        SetOption(FHandle, CURLOPT_CAINFO, authorities.c_str());
+    SetOption(FHandle.get(), CURLOPT_PROXY, rules.Way == TransferRules::wrDirect ? "" : nullptr);
+    const bool own = !rules.TrustedCertificates.IsEmpty();
+    const std::string file = own ? rules.TrustedCertificates.ToUtf8() : FSystemAuthorities;
+    const std::string folder = own ? std::string() : FSystemAuthorityFolder;
+    SetOption(FHandle.get(), CURLOPT_CAINFO, file.empty() ? nullptr : file.c_str());
+    SetOption(FHandle.get(), CURLOPT_CAPATH, folder.empty() ? nullptr : folder.c_str());
     if (!IsOnOpenSsl())
         return;
     // Versions below 1.2 need hashes that the library's own level refuses.
-    SetOption(FHandle, CURLOPT_SSL_CIPHER_LIST, old ? "DEFAULT@SECLEVEL=0" : nullptr);
-    SetOption(FHandle, CURLOPT_SSL_CTX_FUNCTION, &InetRequest::WatchContext);
-    SetOption(FHandle, CURLOPT_SSL_CTX_DATA, this);
+    SetOption(FHandle.get(), CURLOPT_SSL_CIPHER_LIST, old ? "DEFAULT@SECLEVEL=0" : nullptr);
+    SetOption(FHandle.get(), CURLOPT_SSL_CTX_FUNCTION, &InetRequest::WatchContext);
+    SetOption(FHandle.get(), CURLOPT_SSL_CTX_DATA, this);
 }
 
 void InetRequest::SetCertificate(const THtClientCertificate* certificate)
 {
     const bool given = certificate != nullptr;
-    SetOption(FHandle, CURLOPT_SSLCERT, given ? certificate->FileName.ToUtf8().c_str() : nullptr);
-    SetOption(FHandle, CURLOPT_SSLCERTTYPE, given && certificate->IsPkcs12 ? "P12" : "PEM");
+    SetOption(FHandle.get(), CURLOPT_SSLCERT, given ? certificate->FileName.ToUtf8().c_str() : nullptr);
+    SetOption(FHandle.get(), CURLOPT_SSLCERTTYPE, given && certificate->IsPkcs12 ? "P12" : "PEM");
     const bool locked = given && !certificate->Password.IsEmpty();
-    SetOption(FHandle, CURLOPT_KEYPASSWD, locked ? certificate->Password.ToUtf8().c_str() : nullptr);
+    SetOption(FHandle.get(), CURLOPT_KEYPASSWD, locked ? certificate->Password.ToUtf8().c_str() : nullptr);
 }
 
 void InetRequest::SetHeaders(const HeaderLines& lines)
 {
-    const std::unique_ptr<curl_slist, void (*)(curl_slist*)> old(FHeaders, curl_slist_free_all);
-    FHeaders = nullptr;
-    const auto add = [this](const char* line) {
-        curl_slist* const longer = curl_slist_append(FHeaders, line);
+    std::unique_ptr<curl_slist, FreeList> list;
+    const auto add = [&list](const char* line) {
+        curl_slist* const longer = curl_slist_append(list.get(), line);
         if (!longer)
             throw EOutOfMemory();
-        FHeaders = longer;
+        static_cast<void>(list.release()); // a part of the longer one
+        list.reset(longer);
     };
     for (const std::string& line : lines)
         add(line.c_str());
     // What the transport would add by itself.
     add("Accept:");
     add("Expect:");
-    SetOption(FHandle, CURLOPT_HTTPHEADER, FHeaders);
+    if (std::none_of(lines.begin(), lines.end(),
+            [](const std::string& line) { return line.starts_with("Content-Type:"); }))
+        add("Content-Type:");
+    SetOption(FHandle.get(), CURLOPT_HTTPHEADER, list.get());
+    FHeaders = std::move(list);
 }
 
 void InetRequest::SetCall(const InetCall& call)
 {
     SetHeaders(call.Headers);
-    SetOption(FHandle, CURLOPT_URL, call.Address.Text().c_str());
+    SetOption(FHandle.get(), CURLOPT_URL, call.Address.Text().c_str());
     const bool posts = !call.Body.empty() || call.Verb == "POST";
-    SetOption(FHandle, posts ? CURLOPT_POST : CURLOPT_HTTPGET, 1L);
-    SetOption(FHandle, CURLOPT_CUSTOMREQUEST, call.Verb.c_str());
+    SetOption(FHandle.get(), posts ? CURLOPT_POST : CURLOPT_HTTPGET, 1L);
+    SetOption(FHandle.get(), CURLOPT_CUSTOMREQUEST, call.Verb.c_str());
     if (!posts)
         return;
-    SetOption(FHandle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(call.Body.size()));
-    SetOption(FHandle, CURLOPT_POSTFIELDS, call.Body.empty() ? "" : call.Body.data());
+    SetOption(FHandle.get(), CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(call.Body.size()));
+    SetOption(FHandle.get(), CURLOPT_POSTFIELDS, call.Body.empty() ? "" : call.Body.data());
 }
 
 void InetRequest::Stop() noexcept
@@ -192,7 +219,7 @@ void InetRequest::Stop() noexcept
     if (!FRunning)
         return;
     const PipeSignalBlock quiet;
-    curl_multi_remove_handle(FConnection.Handle(), FHandle);
+    curl_multi_remove_handle(FConnection.Handle(), FHandle.get());
     FRunning = false;
 }
 
@@ -204,14 +231,14 @@ void InetRequest::Raise() const
 std::int64_t InetRequest::Number(int info) const
 {
     curl_off_t value = 0;
-    curl_easy_getinfo(FHandle, static_cast<CURLINFO>(info), &value);
+    curl_easy_getinfo(FHandle.get(), static_cast<CURLINFO>(info), &value);
     return value;
 }
 
 std::uint32_t InetRequest::Status() const
 {
     long status = 0;
-    curl_easy_getinfo(FHandle, CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(FHandle.get(), CURLINFO_RESPONSE_CODE, &status);
     return static_cast<std::uint32_t>(status);
 }
 
@@ -223,25 +250,40 @@ std::int64_t InetRequest::ContentLength() const
 String InetRequest::ContentType() const
 {
     const char* text = nullptr;
-    curl_easy_getinfo(FHandle, CURLINFO_CONTENT_TYPE, &text);
+    curl_easy_getinfo(FHandle.get(), CURLINFO_CONTENT_TYPE, &text);
     return text ? String::FromUtf8(text) : String();
+}
+
+bool InetRequest::IsRedirect() const
+{
+    return !FLocation.empty() && IsRedirectStatus(Status());
 }
 
 String InetRequest::Location() const
 {
-    return IsRedirectStatus(Status()) ? String::FromUtf8(FLocation) : String();
+    return IsRedirect() ? String::FromUtf8(FLocation) : String();
+}
+
+void InetRequest::CheckBody(std::int64_t bytes) const
+{
+    if (FRules.MaxBody > 0 && bytes > FRules.MaxBody)
+        throw EHtInetException(
+            Format(u"The body is longer than %d bytes, the limit HttpBody", {FRules.MaxBody}));
 }
 
 void InetRequest::TakeHeadLine(std::string_view line)
 {
-    constexpr std::u16string_view kLocation = u"location";
     if (line.starts_with("HTTP/")) {
         FLocation.clear();
         return;
     }
-    const std::size_t colon = line.find(':');
-    if (colon != std::string_view::npos && SameText(String::FromLatin1(line.substr(0, colon)), kLocation))
-        FLocation = TrimBytes(line.substr(colon + 1));
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const String name = String::FromLatin1(line.substr(0, colon));
+    const std::string_view value = TrimBytes(line.substr(std::min(colon + 1, line.size())));
+    if (SameText(name, u"location"))
+        FLocation = value;
+    else if (SameText(name, u"transfer-encoding"))
+        RequireNoCoding(value);
     if (TrimBytes(line).empty() && Status() >= 200)
         FHeadDone = true;
 }
@@ -250,8 +292,7 @@ std::size_t InetRequest::TakeHead(char* bytes, std::size_t size, std::size_t cou
 {
     InetRequest& self = *static_cast<InetRequest*>(request);
     try {
-        ++self.FPieces;
-        self.FHeadBytes += size * count;
+        self.FHeadBytes += static_cast<std::int64_t>(size * count);
         if (self.FHeadBytes > kMaxHeadBytes)
             throw EHtInetException(ifBadReply, u"The head of the reply does not end");
         if (!self.FHeadDone) // later lines are trailers
@@ -263,13 +304,22 @@ std::size_t InetRequest::TakeHead(char* bytes, std::size_t size, std::size_t cou
     }
 }
 
+/// A piece may hold far more than what moved on the wire, so each is looked at by itself.
+void InetRequest::TakeBodyPiece(std::string_view piece)
+{
+    FBodyBytes += static_cast<std::int64_t>(piece.size());
+    if (IsRedirect()) // of no use
+        return;
+    CheckBody(FBodyBytes);
+    TBytes& target = FTarget ? *FTarget : FPending;
+    target.Append({reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size()});
+}
+
 std::size_t InetRequest::TakeBody(char* bytes, std::size_t size, std::size_t count, void* request) noexcept
 {
     InetRequest& self = *static_cast<InetRequest*>(request);
     try {
-        ++self.FPieces;
-        TBytes& target = self.FTarget ? *self.FTarget : self.FPending;
-        target.Append({reinterpret_cast<const std::uint8_t*>(bytes), size * count});
+        self.TakeBodyPiece({bytes, size * count});
         return size * count;
     } catch (...) {
         self.FRaised = std::current_exception();
@@ -279,7 +329,7 @@ std::size_t InetRequest::TakeBody(char* bytes, std::size_t size, std::size_t cou
 
 int InetRequest::WatchContext(CURL*, void* context, void* request) noexcept
 {
-    WatchQuestion(context, static_cast<InetRequest*>(request)->FConnection.Question);
+    WatchCertificateRequest(context, static_cast<InetRequest*>(request)->FConnection.CertificateAsked);
     return CURLE_OK;
 }
 

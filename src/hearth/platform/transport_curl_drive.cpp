@@ -7,17 +7,14 @@
 #include <curl/curl.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace ht::detail {
 
 namespace {
 
-/// Milliseconds, for clients that set a time-out and for those that do not.
-constexpr std::int32_t kResolveTimeOut = 5000;
-constexpr std::int32_t kConnectTimeOut = 5000;
-constexpr std::int32_t kDefaultConnectTimeOut = 60'000;
-constexpr std::int32_t kDefaultTransferTimeOut = 30'000;
-constexpr std::int64_t kLongestPoll = 1000;
+constexpr std::int64_t kLongestPoll = 1000; // milliseconds
+constexpr std::int64_t kWindowBytes = 1024;
 
 bool IsSecureFailure(CURLcode code) noexcept
 {
@@ -61,19 +58,25 @@ THtInetFailure FailureOfCode(CURLcode code) noexcept
     }
 }
 
+template <class Duration> std::int64_t Milliseconds(Duration time) noexcept
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+}
+
 }
 
 /// With TLS 1.2 the handshake fails where a certificate is missing. With 1.3 it is over when the server finds
-/// out, and what is received is an alert, or nothing but a reset.
+/// out, and what is received is an alert, or nothing but a reset. Then the request was sent, and nobody may
+/// send it again: it may have been carried out. Calls with a certificate at hand do not come so far.
 THtInetFailure InetRequest::FailureOf(int code) const
 {
     const auto curlCode = static_cast<CURLcode>(code);
     if (std::string_view(FErrorText).find("certificate required") != std::string_view::npos)
         return ifCertificateWanted;
-    const THtInetFailure failure = FailureOfCode(curlCode);
     const bool refused =
         curlCode == CURLE_SSL_CONNECT_ERROR || curlCode == CURLE_RECV_ERROR || curlCode == CURLE_SEND_ERROR;
-    return refused && FConnection.Question.Asked && !FHeadDone ? ifCertificateWanted : failure;
+    return refused && FConnection.CertificateAsked.Asked && !FHeadDone ? ifCertificateWanted
+                                                                       : FailureOfCode(curlCode);
 }
 
 template <class Done> void InetRequest::Drive(Done done)
@@ -108,21 +111,19 @@ InetRequest::Progress InetRequest::CurrentProgress() const
         progress.stage = stTransferring;
     else if (Number(CURLINFO_NAMELOOKUP_TIME_T) > 0)
         progress.stage = stConnecting;
-    progress.sent = Number(CURLINFO_SIZE_UPLOAD_T);
-    progress.pieces = FPieces;
+    progress.bytes = Number(CURLINFO_SIZE_UPLOAD_T) + FHeadBytes + FBodyBytes;
     return progress;
 }
 
 std::int32_t InetRequest::Allowance(Stage stage) const noexcept
 {
-    const bool told = FRules.TimeOut > 0;
     switch (stage) {
     case stResolving:
-        return told ? kResolveTimeOut : kDefaultConnectTimeOut;
+        return FRules.ResolveTimeOut;
     case stConnecting:
-        return told ? kConnectTimeOut : kDefaultConnectTimeOut;
+        return FRules.ConnectTimeOut;
     default:
-        return told ? FRules.TimeOut : kDefaultTransferTimeOut;
+        return FRules.TimeOut;
     }
 }
 
@@ -134,15 +135,25 @@ std::int64_t InetRequest::TimeLeft()
         FProgress = progress;
         FSince = now;
     }
-    const auto idle = std::chrono::duration_cast<std::chrono::milliseconds>(now - FSince).count();
-    return Allowance(progress.stage) - idle;
+    const std::int64_t left = Allowance(progress.stage) - Milliseconds(now - FSince);
+    const bool hasWindow = FRules.RateWindow > 0 && progress.stage == stTransferring;
+    return hasWindow ? std::min(left, WindowLeft(now, progress.bytes)) : left;
+}
+
+/// Each window begins when enough has moved in the one before.
+std::int64_t InetRequest::WindowLeft(Clock::time_point now, std::int64_t bytes)
+{
+    const bool first = FWindow.since == Clock::time_point();
+    if (first || bytes - FWindow.bytes >= kWindowBytes)
+        FWindow = {now, bytes};
+    return FRules.RateWindow - Milliseconds(now - FWindow.since);
 }
 
 void InetRequest::TakeResult()
 {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(FConnection.Handle(), &left)) {
-        if (message->msg != CURLMSG_DONE || message->easy_handle != FHandle)
+        if (message->msg != CURLMSG_DONE || message->easy_handle != FHandle.get())
             continue;
         FFinished = true;
         const CURLcode code = message->data.result;
@@ -171,13 +182,18 @@ bool InetRequest::Send(const InetCall& call)
     FLocation.clear();
     FPending.Clear();
     FHeadBytes = 0;
+    FBodyBytes = 0;
     FErrorText[0] = '\0';
     FProgress = {};
-    FConnection.Question = {};
-    if (curl_multi_add_handle(FConnection.Handle(), FHandle) != CURLM_OK)
+    FWindow = {};
+    FConnection.CertificateAsked = {call.OffersCertificate, false, {}};
+    if (curl_multi_add_handle(FConnection.Handle(), FHandle.get()) != CURLM_OK)
         throw EHtInetException(ifInternal, u"The request cannot be started");
     FRunning = true;
-    Drive([this] { return FHeadDone || CurrentProgress().stage == stTransferring; });
+    bool moved = false; // until then the handle tells the times of its last transfer
+    Drive([this, &moved] {
+        return std::exchange(moved, true) && (FHeadDone || CurrentProgress().stage == stTransferring);
+    });
     return FFailure == ifNone;
 }
 
@@ -189,6 +205,15 @@ bool InetRequest::Receive()
         FFailureText = u"The reply has no head"_s;
     }
     return FFailure == ifNone;
+}
+
+void InetRequest::SkipBody(std::int64_t most)
+{
+    if (ContentLength() < 0 || ContentLength() > most)
+        return;
+    Drive([this, most] { return FBodyBytes > most; });
+    if (FFailure != ifNone)
+        Raise();
 }
 
 namespace {

@@ -34,8 +34,13 @@ struct TransferRules {
     TrustRule Trust = trAnyone;
     WayRule Way = wrSystemProxy;
     ProtocolRule Protocol = prFromTls10;
-    std::int32_t TimeOut = 0; // milliseconds without a byte sent or received; 0 is the default
-    String TrustedCertificates; // file of authorities; the system's when empty
+    // Milliseconds.
+    std::int32_t ResolveTimeOut = 60'000;
+    std::int32_t ConnectTimeOut = 60'000; // until TLS is agreed upon
+    std::int32_t TimeOut = 30'000; // without a byte sent or received
+    std::int64_t RateWindow = 0; // in which a kilobyte must move; 0 is no bound
+    std::int64_t MaxBody = 0; // bytes; 0 is no bound
+    String TrustedCertificates; // file of authorities, in place of the system's; those when empty
 
     bool operator==(const TransferRules&) const = default;
 };
@@ -46,6 +51,9 @@ struct InetCall {
     InetAddress Address;
     HeaderLines Headers;
     std::string_view Body;
+    /// Ends the handshake of a connection whose server asks for a certificate when none is set: the call
+    /// fails with ifCertificateWanted, and nothing of it was sent.
+    bool OffersCertificate = false;
 };
 
 /// An open connection, and those that redirects led to. Requests on it end before it does.
@@ -59,8 +67,8 @@ public:
     const InetAddress& Server() const noexcept { return FServer; }
     CURLM* Handle() const noexcept { return FHandle; }
 
-    /// What the server last said about client certificates.
-    CertificateQuestion Question;
+    /// What the server last asked for.
+    CertificateRequest CertificateAsked;
 
 private:
     InetAddress FServer; // its path means nothing
@@ -97,8 +105,13 @@ public:
     /// Where a redirect leads, as it was told; empty when the reply is none.
     String Location() const;
 
-    /// Appends what is available of the body, and waits while that is nothing; false at its end.
+    /// Throws EHtInetException for more bytes of a body than the rules allow.
+    void CheckBody(std::int64_t bytes) const;
+    /// Appends what is available of the body, and waits while that is nothing; false at its end. Nothing of
+    /// the body of a redirect.
     bool ReadData(TBytes& bytes);
+    /// Reads the body of a redirect to its end, unless more than `most` bytes are announced or come.
+    void SkipBody(std::int64_t most);
     /// Ends the transfer; the connection can be used again when the reply was read to its end.
     void Stop() noexcept;
 
@@ -109,9 +122,19 @@ private:
     /// What moves when a transfer does.
     struct Progress {
         Stage stage = stResolving;
-        std::int64_t sent = 0;
-        std::uint64_t pieces = 0;
+        std::int64_t bytes = 0; // sent and received
         bool operator==(const Progress&) const = default;
+    };
+    /// A stretch of time in which a least number of bytes must move.
+    struct Window {
+        Clock::time_point since;
+        std::int64_t bytes = 0; // that had moved in front of it
+    };
+    struct FreeHandle {
+        void operator()(CURL* handle) const noexcept;
+    };
+    struct FreeList {
+        void operator()(curl_slist* list) const noexcept;
     };
 
     static std::size_t TakeHead(char* bytes, std::size_t size, std::size_t count, void* request) noexcept;
@@ -123,22 +146,26 @@ private:
     std::int32_t Allowance(Stage stage) const noexcept;
     /// Milliseconds until the transfer counts as dead.
     std::int64_t TimeLeft();
+    std::int64_t WindowLeft(Clock::time_point now, std::int64_t bytes);
     void TakeResult();
     THtInetFailure FailureOf(int code) const;
     /// Those of the rules.
     void SetOptions();
     void SetHeaders(const HeaderLines& lines);
     void SetCall(const InetCall& call);
+    bool IsRedirect() const;
     void TakeHeadLine(std::string_view line);
+    void TakeBodyPiece(std::string_view piece);
     std::int64_t Number(int info) const;
 
     InetConnection& FConnection;
     std::string FVerb;
-    CURL* FHandle;
-    curl_slist* FHeaders = nullptr;
+    std::unique_ptr<CURL, FreeHandle> FHandle;
+    std::unique_ptr<curl_slist, FreeList> FHeaders;
     TransferRules FRules;
     bool FHasRules = false;
-    std::string FSystemAuthorities;
+    std::string FSystemAuthorities; // a file
+    std::string FSystemAuthorityFolder;
     bool FRunning = false;
     bool FFinished = false;
     bool FHeadDone = false;
@@ -148,10 +175,11 @@ private:
     std::string FLocation;
     TBytes FPending; // of the body, before anybody reads
     TBytes* FTarget = nullptr; // where the body goes while somebody does
-    std::uint64_t FPieces = 0;
-    std::size_t FHeadBytes = 0;
+    std::int64_t FHeadBytes = 0;
+    std::int64_t FBodyBytes = 0;
     Progress FProgress;
     Clock::time_point FSince;
+    Window FWindow;
     char FErrorText[256]; // CURL_ERROR_SIZE
 };
 
