@@ -8,14 +8,21 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <limits>
+#include <type_traits>
 
 namespace ht {
 
-/// A set over the values 0 to Count - 1 of an enumeration: one machine word up to 64 values, 256 values at
-/// most. Putting in a number that is no value throws ERangeError.
+/// A set over the values 0 to Count - 1 of an enumeration: the smallest machine word that
+/// has a bit for each, several of 64 bits above that; 256 values at most. Putting in a number that is no
+/// value throws ERangeError.
 template <class E, int Count = TEnumTraits<E>::kCount> class TSet {
     static_assert(Count > 0 && Count <= 256, "sets hold up to 256 values");
-    static constexpr std::size_t kWords = (static_cast<std::size_t>(Count) + 63) / 64;
+    using Word = std::conditional_t<Count <= 8, std::uint8_t,
+        std::conditional_t<Count <= 16, std::uint16_t,
+            std::conditional_t<Count <= 32, std::uint32_t, std::uint64_t>>>;
+    static constexpr int kWordBits = 8 * static_cast<int>(sizeof(Word));
+    static constexpr std::size_t kWords = (static_cast<std::size_t>(Count) + kWordBits - 1) / kWordBits;
 
 public:
     /// Visits the values in rising order.
@@ -63,26 +70,32 @@ public:
     static constexpr TSet FromBits(std::uint64_t bits) noexcept
     {
         TSet result;
-        result.FWords[0] = bits & MaskOf(0);
+        result.FWords[0] = static_cast<Word>(bits & MaskOf(0));
         return result;
     }
     constexpr std::uint64_t Bits() const noexcept { return FWords[0]; }
 
-    constexpr void Include(E value) { Word(value) |= BitOf(value); }
-    constexpr void Exclude(E value) noexcept
+    constexpr void Include(E value)
     {
-        if (IsValue(value))
-            Word(value) &= ~BitOf(value);
+        Word& word = WordOf(value);
+        word = static_cast<Word>(word | BitOf(value));
+    }
+    constexpr void Exclude(E value)
+    {
+        if (!IsValue(value))
+            return;
+        Word& word = WordOf(value);
+        word = static_cast<Word>(word & ~BitOf(value));
     }
     constexpr bool Contains(E value) const noexcept
     {
-        return IsValue(value) && (FWords[static_cast<std::size_t>(value) / 64] & BitOf(value)) != 0;
+        return IsValue(value) && (FWords[static_cast<std::size_t>(value) / kWordBits] & BitOf(value)) != 0;
     }
     constexpr bool IsEmpty() const noexcept { return *this == TSet(); }
     constexpr int Size() const noexcept
     {
         int size = 0;
-        for (std::uint64_t word : FWords)
+        for (Word word : FWords)
             size += std::popcount(word);
         return size;
     }
@@ -92,7 +105,7 @@ public:
     {
         TSet result;
         for (std::size_t i = 0; i < kWords; ++i)
-            result.FWords[i] = ~FWords[i] & MaskOf(i);
+            result.FWords[i] = static_cast<Word>(~FWords[i] & MaskOf(i));
         return result;
     }
 
@@ -100,19 +113,19 @@ public:
     constexpr TSet& operator+=(const TSet& other) noexcept
     {
         for (std::size_t i = 0; i < kWords; ++i)
-            FWords[i] |= other.FWords[i];
+            FWords[i] = static_cast<Word>(FWords[i] | other.FWords[i]);
         return *this;
     }
     constexpr TSet& operator-=(const TSet& other) noexcept
     {
         for (std::size_t i = 0; i < kWords; ++i)
-            FWords[i] &= ~other.FWords[i];
+            FWords[i] = static_cast<Word>(FWords[i] & ~other.FWords[i]);
         return *this;
     }
     constexpr TSet& operator*=(const TSet& other) noexcept
     {
         for (std::size_t i = 0; i < kWords; ++i)
-            FWords[i] &= other.FWords[i];
+            FWords[i] = static_cast<Word>(FWords[i] & other.FWords[i]);
         return *this;
     }
     friend constexpr TSet operator+(TSet a, const TSet& b) noexcept { return a += b; }
@@ -124,37 +137,39 @@ public:
     constexpr Iterator end() const noexcept { return Iterator(*this, Count); }
 
 private:
-    static constexpr std::uint64_t MaskOf(std::size_t word) noexcept
+    static constexpr Word MaskOf(std::size_t word) noexcept
     {
-        constexpr int kRest = Count % 64;
-        return word + 1 == kWords && kRest != 0 ? (std::uint64_t{1} << kRest) - 1 : ~std::uint64_t{0};
+        constexpr int kRest = Count % kWordBits;
+        constexpr Word kAll = std::numeric_limits<Word>::max();
+        return word + 1 == kWords && kRest != 0 ? static_cast<Word>(kAll >> (kWordBits - kRest)) : kAll;
     }
     static constexpr bool IsValue(E value) noexcept
     {
         return static_cast<std::int64_t>(value) >= 0 && static_cast<std::int64_t>(value) < Count;
     }
-    static constexpr std::uint64_t BitOf(E value) noexcept
+    static constexpr Word BitOf(E value) noexcept
     {
-        return std::uint64_t{1} << (static_cast<unsigned>(value) % 64);
+        return static_cast<Word>(Word{1} << (static_cast<unsigned>(value) % kWordBits));
     }
-    constexpr std::uint64_t& Word(E value)
+    constexpr Word& WordOf(E value)
     {
         if (!IsValue(value)) [[unlikely]]
             RaiseRangeError();
-        return FWords[static_cast<std::size_t>(value) / 64];
+        return FWords[static_cast<std::size_t>(value) / kWordBits];
     }
     constexpr int NextFrom(int ordinal) const noexcept
     {
         while (ordinal < Count) {
-            const std::uint64_t rest = FWords[static_cast<std::size_t>(ordinal) / 64] >> (ordinal % 64);
+            const Word word = FWords[static_cast<std::size_t>(ordinal) / kWordBits];
+            const auto rest = static_cast<Word>(word >> (ordinal % kWordBits));
             if (rest != 0)
                 return ordinal + std::countr_zero(rest);
-            ordinal = (ordinal / 64 + 1) * 64;
+            ordinal = (ordinal / kWordBits + 1) * kWordBits;
         }
         return Count;
     }
 
-    std::array<std::uint64_t, kWords> FWords{};
+    std::array<Word, kWords> FWords{};
 };
 
 }

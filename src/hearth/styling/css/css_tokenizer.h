@@ -1,0 +1,47 @@
+// From the text of a style sheet to tokens.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <hearth/foundation/string_parser.h>
+#include <hearth/styling/css/css_token.h>
+
+namespace ht {
+
+/// Reads any text as tokens: there is no error, what fits nothing is a delimiter. Escapes are resolved. It
+/// keeps the text alive. css_tokenizer.cpp reads words and strings, css_tokenizer_numbers.cpp numbers.
+class HT_API TCSSTokenizer : public TObject {
+public:
+    static constexpr TClassInfo kClassInfo{u"TCSSTokenizer", &TObject::kClassInfo};
+    const TClassInfo& ClassInfo() const override { return kClassInfo; }
+
+    /// Passes over blanks in front. Without `ReadNumbers` the values of numbers are not computed and AsFloat
+    /// keeps what it was.
+    explicit TCSSTokenizer(const String& Text, bool ReadNumbers = true);
+
+    /// Reads the next token into Token. False at the end of the text, and with a valid token for blanks that
+    /// end there; Eof tells the two apart.
+    bool NextToken();
+    /// Makes the current unit a token of this type and goes one unit on.
+    void Next(TCSSTokenType type);
+    // What NextToken calls, each at the first unit of its token.
+    void ReadIdent();
+    void ReadString();
+    void ReadURI();
+    void ReadNumber();
+    void ReadComment();
+    void ReadAt();
+    void ReadHash();
+    /// Behind a backslash: up to 6 hexadecimal digits and one blank, or else the unit itself.
+    std::int32_t Escape();
+
+    const TStringParser& Reader() const noexcept { return FReader; }
+
+    TCSSToken Token;
+    bool Eof = false;
+
+private:
+    TStringParser FReader;
+    bool FReadNumbers;
+};
+
+}
