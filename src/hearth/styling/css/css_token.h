@@ -56,14 +56,14 @@ struct TCSSToken {
     float AsFloat = 0; // of numbers
     std::uint32_t Color = 0; // cached: a colour, the ordinal of a keyword, or a mark
     TCSSTokenType CType = ctUnknown;
-    TMeasureUnit MUnit = muPX;
+    TMeasureUnit MUnit = muNone;
 };
 
 using PCSSToken = TCSSToken*;
 
 /// An array of tokens that its copies share: what one of them caches in a token all of them see. Costs one
-/// pointer, and a count to copy. Sharing ends where one changes its length. Different threads may copy and
-/// drop arrays that share tokens.
+/// pointer, and a count to copy. Different threads may copy and drop arrays that share
+/// tokens.
 class HT_API TCSSTokens {
 public:
     constexpr TCSSTokens() noexcept = default;
@@ -100,7 +100,7 @@ private:
         std::int32_t Count; // owners
         std::int32_t Length;
 
-        TCSSToken* Items() noexcept;
+        TCSSToken* Items() noexcept { return reinterpret_cast<TCSSToken*>(this + 1); }
     };
 
     void Release() noexcept;

@@ -40,7 +40,14 @@ public:
     bool Eof = false;
 
 private:
+    /// One token; false for blanks that end the text.
+    bool ReadToken();
+    bool ReadSpace();
+    void ReadFunction();
+    void ReadUnit();
+
     TStringParser FReader;
+    String FLastSpace;
     bool FReadNumbers;
 };
 

@@ -8,11 +8,15 @@ namespace ht {
 
 /// A cursor for the stack.
 struct HT_API TCSSTokenSequence {
+    TCSSTokenSequence() noexcept = default;
+    TCSSTokenSequence(const TCSSTokenSequence&) = delete; // FPTokens may point into it
+    TCSSTokenSequence& operator=(const TCSSTokenSequence&) = delete;
+
     /// Starts at the first token of an array that the caller keeps alive and in place.
     void Init(PCSSTokens P) noexcept;
     /// Starts over tokens that the sequence keeps alive itself.
     void InitStore(const TCSSTokens& Tokens) noexcept;
-    /// Goes on by `Step` tokens, at least to the first one; false past the end.
+    /// Goes on by `Step` tokens; false past the end. There is no check at the start.
     bool Next(std::int32_t Step = 1) noexcept;
     /// Index of T, or of the last token past the end.
     std::int32_t Position() const noexcept;
@@ -27,6 +31,9 @@ struct HT_API TCSSTokenSequence {
     PCSSToken T = nullptr; // null past the end
     TCSSTokens FOwnTokens;
     bool Eof = true;
+
+private:
+    bool ReadChannels(std::uint32_t& Color);
 };
 
 }

@@ -18,7 +18,12 @@ public:
     ~TStyledHTMLNode() override;
 
     THtNodeClass NodeClass() const override;
-    THtNodeClass GetElementClass(const THtTagName& ATag, const THtNode* ARoot) const override;
+    using THtmlNode::ParseAttributes;
+    void ParseAttributes(THtmlParser& HP) override;
+    bool SetAttribute(const String& Name, const String& Value) override;
+
+    /// Called where the style may have become another; does nothing here.
+    virtual void StyleChanged(bool /*ForceRecalc*/) { }
 
     /// The part of the page that is shown, in device pixels, and how many of them a pixel of CSS takes. A
     /// package with a screen answers its own.

@@ -20,7 +20,15 @@ public:
     {
     }
 
+    /// Pixels of a rem where no root tells.
+    static constexpr float kRootFontSize = 13;
+
     TStyledHTMLNode* Element() const noexcept { return FElement; }
+    /// The font size of the root element in pixels; kRootFontSize for an element without a parent.
+    float RootFontSize() const;
+    /// The size of what is shown of the page, in pixels of CSS; 0 without an element.
+    double ViewportWidth() const;
+    double ViewportHeight() const;
     /// Switches a pseudo-class on or off; false when nothing changed.
     bool ApplyPseudoClass(TCSSPseudoClass PClass, bool Add);
 

@@ -5,6 +5,8 @@
 #include <hearth/runtime/sets.h>
 #include <hearth/styling/css/css_token.h>
 
+#include <optional>
+
 namespace ht {
 
 class TBaseElementStyle;
@@ -71,7 +73,14 @@ struct HT_API TMeasure {
     TMeasureUnit FMUnit = muPX;
     TBaseElementStyle* Style = nullptr; // for em, rem, viewport units and zoom; may be null
     const float* Parent = nullptr; // what percentages and bare factors refer to
-    PCSSTokens Calc = nullptr; // "calc", "(" and the rest; null for a plain length
+    PCSSTokens Calc = nullptr; // the value that holds a calc(); null for a plain length
+    std::int32_t CalcStart = 0; // index of "calc" in it
+
+private:
+    void DecodeWord(std::u16string_view word);
+    void ParseUnit(std::u16string_view text);
+    bool PrepareForPixels();
+    std::optional<double> PixelsPerUnit() const;
 };
 
 struct TMeasure2 {
