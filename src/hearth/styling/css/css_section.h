@@ -63,10 +63,11 @@ public:
     /// Null when there is none. Lifetime: until the values change.
     TCSSValue* ItembyName(std::u16string_view Name);
 
-    /// Keeps tokens alive as long as the section and returns where they stand.
+    /// Keeps tokens alive as long as the section, or, while it compiles, as long as CompiledValues; returns
+    /// where they stand.
     PCSSTokens KeepCalcTokens(const TCSSTokens& tokens);
 
-    std::unique_ptr<THtObjectList> FCalcValues; // of TCSSCalcValueObject; made on first use
+    std::unique_ptr<THtObjectList> FCalcValues; // of TCSSCalcValueObject, for Values; made on first use
     std::unique_ptr<TCSSSelectors> Selectors;
     TCSSValues Values;
     TStableArray<TCSSValue> CompiledValues;
@@ -76,6 +77,10 @@ public:
     bool FontFace = false; // from "@font-face"
     TCSSMediaSet* MediaSet = nullptr; // not owned
     String URL; // of the sheet, for relative addresses
+
+private:
+    std::unique_ptr<THtObjectList> FCompiledCalcs; // the same for CompiledValues, made anew with them
+    bool FCompiling = false;
 };
 
 }

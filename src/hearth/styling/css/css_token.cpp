@@ -12,14 +12,27 @@ namespace ht {
 static_assert(
     alignof(TCSSToken) <= 2 * sizeof(std::int32_t), "the tokens stand right behind the block's head");
 
-TCSSTokens::TCSSTokens(std::span<const TCSSToken> tokens)
+/// Null for no tokens.
+TCSSTokens::Block* TCSSTokens::NewBlock(std::size_t length)
 {
-    if (tokens.empty())
-        return;
-    const std::int32_t length = CheckedLength(tokens.size());
-    void* memory = memory::Allocate(sizeof(Block) + tokens.size_bytes());
-    FBlock = new (memory) Block{1, length};
+    if (length == 0)
+        return nullptr;
+    void* memory = memory::Allocate(sizeof(Block) + length * sizeof(TCSSToken));
+    return new (memory) Block{1, CheckedLength(length)};
+}
+
+TCSSTokens::TCSSTokens(std::span<const TCSSToken> tokens)
+    : FBlock(NewBlock(tokens.size()))
+{
     std::uninitialized_copy(tokens.begin(), tokens.end(), begin());
+}
+
+TCSSTokens TCSSTokens::Taking(std::span<TCSSToken> tokens)
+{
+    TCSSTokens result;
+    result.FBlock = NewBlock(tokens.size());
+    std::uninitialized_move(tokens.begin(), tokens.end(), result.begin());
+    return result;
 }
 
 TCSSTokens::TCSSTokens(const TCSSTokens& other) noexcept

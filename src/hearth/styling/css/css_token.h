@@ -69,6 +69,8 @@ public:
     constexpr TCSSTokens() noexcept = default;
     /// New tokens with the contents of `tokens`.
     explicit TCSSTokens(std::span<const TCSSToken> tokens);
+    /// New tokens that take over what stands in `tokens`.
+    static TCSSTokens Taking(std::span<TCSSToken> tokens);
     TCSSTokens(const TCSSTokens& other) noexcept;
     TCSSTokens(TCSSTokens&& other) noexcept
         : FBlock(std::exchange(other.FBlock, nullptr))
@@ -103,6 +105,7 @@ private:
         TCSSToken* Items() noexcept { return reinterpret_cast<TCSSToken*>(this + 1); }
     };
 
+    static Block* NewBlock(std::size_t length);
     void Release() noexcept;
 
     Block* FBlock = nullptr;

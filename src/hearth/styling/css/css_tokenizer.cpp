@@ -10,13 +10,6 @@ namespace ht {
 
 namespace {
 
-/// Units from U+0080 to U+00FF end a name, those behind belong to it.
-constexpr bool IsNameUnit(char16_t unit)
-{
-    return IsAsciiLower(unit) || IsAsciiUpper(unit) || IsAsciiDigit(unit) || unit == u'-' || unit == u'_'
-        || unit > 0xFF;
-}
-
 /// What a single unit says as a token's name, without memory for each.
 template <std::size_t... Units> consteval auto MakeUnitNames(std::index_sequence<Units...>)
 {
@@ -199,7 +192,7 @@ bool TCSSTokenizer::ReadToken()
     default:
         if (IsAsciiDigit(unit))
             ReadNumber();
-        else if (IsNameUnit(unit) || unit == u'\\')
+        else if (IsCSSNameUnit(unit) || unit == u'\\')
             ReadIdent();
         else
             Next(ctDelimiter);
@@ -228,7 +221,7 @@ void TCSSTokenizer::ReadIdent()
     NameBuilder name(*this, FReader, Token.Name);
     bool goesOn = true;
     while (goesOn && !FReader.Empty()) {
-        if (IsNameUnit(*FReader.p))
+        if (IsCSSNameUnit(*FReader.p))
             ++FReader.p;
         else if (*FReader.p == u'\\')
             goesOn = name.TakeEscape();

@@ -7,6 +7,13 @@
 
 namespace ht {
 
+/// Units from U+0080 to U+00FF end a name, those behind belong to it.
+constexpr bool IsCSSNameUnit(char16_t unit) noexcept
+{
+    return IsAsciiLower(unit) || IsAsciiUpper(unit) || IsAsciiDigit(unit) || unit == u'-' || unit == u'_'
+        || unit > 0xFF;
+}
+
 /// Reads any text as tokens: there is no error, what fits nothing is a delimiter. Escapes are resolved. It
 /// keeps the text alive. css_tokenizer.cpp reads words and strings, css_tokenizer_numbers.cpp numbers.
 class HT_API TCSSTokenizer : public TObject {

@@ -10,16 +10,6 @@ namespace ht {
 
 class TCSSSection;
 
-/// How a computed style takes a value in, beside keeping it for its accessors.
-enum TCSSValueProc : std::uint8_t {
-    vpNone, // not at all: it is read on demand
-    vpApplyValueCaller,
-    vpDoApplyBackground,
-    vpDoApplyDisplay,
-    vpDoApplyFontWeight,
-    vpDoApplyWhiteSpace,
-};
-
 /// A declaration with what its application needs worked out: the property, colours, keywords and lengths.
 struct TCSSValue {
     String Name; // in lower case

@@ -9,6 +9,8 @@
 
 namespace ht {
 
+class TCSSTokenizer;
+
 enum TCSSMedia : std::uint8_t {
     cmAll,
     cmAural,
@@ -34,6 +36,8 @@ public:
     static constexpr TClassInfo kClassInfo{u"TCSSMediaSet", &TObject::kClassInfo};
     const TClassInfo& ClassInfo() const override { return kClassInfo; }
 
+    /// Reads the next token of the query and keeps it; "{" and ";" end the query and are not kept.
+    void AddNextToken(TCSSTokenizer& Tokenizer);
     /// True when a medium of these widths is meant; a DeviceWidth of 0 stands for Width.
     bool CheckMedia(TCSSMedia M, std::int64_t Width, std::int64_t DeviceWidth) const;
     /// "@media " and the query.

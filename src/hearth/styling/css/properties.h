@@ -29,6 +29,16 @@ template <> struct TEnumTraits<TCSSPropertyParentType> {
     static constexpr const char16_t* kName = u"TCSSPropertyParentType";
 };
 
+/// How a computed style takes a value in, beside keeping it for its accessors.
+enum TCSSValueProc : std::uint8_t {
+    vpNone, // not at all: it is read on demand
+    vpApplyValueCaller,
+    vpDoApplyBackground,
+    vpDoApplyDisplay,
+    vpDoApplyFontWeight,
+    vpDoApplyWhiteSpace,
+};
+
 /// One property.
 class HT_API TCSSPropRec : public TObject {
 public:
@@ -46,6 +56,7 @@ public:
     TCSSProperty Prop;
     TCSSPropertyType PropType;
     TCSSPropertyParentType ParentType = cpptWidth;
+    TCSSValueProc ApplyProc; // how its values are applied; follows from Prop
     bool Inherited = false;
     bool AffectsLayout = false; // else a change needs a repaint only
     float InitialValue = 0;
@@ -59,5 +70,7 @@ public:
 HT_API THtObjectDictionary& CSSPropDictionary();
 /// The record of a name in lower case; that of "unknown" for any other name.
 HT_API const TCSSPropRec& CSSPropRec(std::u16string_view name);
+/// The record of a property of the table; that of "unknown" for one that only a host may define.
+HT_API const TCSSPropRec& CSSPropRec(TCSSProperty prop);
 
 }

@@ -1,30 +1,8 @@
-// The keywords of properties.
+// The keywords of properties: all enumerations whose values are CSS words behind a prefix.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <hearth/runtime/enum_names.h>
-
-namespace ht {
-
-enum TCSSFontWeight : std::uint8_t {
-    fwNormal,
-    fwBold,
-    fwLighter,
-    fwBolder,
-    fw100,
-    fw200,
-    fw300,
-    fw400,
-    fw500,
-    fw600,
-    fw700,
-    fw800,
-    fw900,
-};
-
-template <> struct TEnumTraits<TCSSFontWeight> {
-    static constexpr int kCount = 13;
-    static constexpr const char16_t* kName = u"TCSSFontWeight";
-};
-
-}
+#include <hearth/styling/css/box_enums.h>
+#include <hearth/styling/css/list_enums.h>
+#include <hearth/styling/css/paint_enums.h>
+#include <hearth/styling/css/text_enums.h>
