@@ -76,6 +76,14 @@ public:
         CheckedLength(FItems.size() + items.size());
         detail::WithStorage([&] { FItems.insert(FItems.end(), items.begin(), items.end()); });
     }
+    /// Appends what these arguments make, without moving it about.
+    template <class... Arguments> T& Emplace(Arguments&&... arguments)
+    {
+        static_cast<void>(CheckedLength(FItems.size() + 1));
+        if (FItems.size() == FItems.capacity()) [[unlikely]]
+            Grow();
+        return FItems.emplace_back(std::forward<Arguments>(arguments)...);
+    }
     /// Puts `item` in front of `index`, which may be the length.
     void Insert(std::int32_t index, T item)
     {

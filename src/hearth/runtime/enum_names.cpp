@@ -5,9 +5,22 @@
 #include <hearth/runtime/checked.h>
 
 #include <algorithm>
-#include <numeric>
+#include <bit>
 
 namespace ht {
+
+namespace {
+
+/// Of the name without its case. Keywords of style sheets are looked up by the thousand.
+std::uint32_t HashOf(std::u16string_view name) noexcept
+{
+    std::uint32_t hash = 0;
+    for (const char16_t unit : name)
+        hash = hash * 33 + FoldAscii(unit);
+    return hash ^ hash >> 15;
+}
+
+}
 
 TEnumInfo::TEnumInfo(
     std::u16string_view name, std::int32_t count, const char16_t* units, const std::uint16_t* ends)
@@ -15,12 +28,15 @@ TEnumInfo::TEnumInfo(
     , FCount(count)
     , FUnits(units)
     , FEnds(ends)
-    , FSorted(std::make_unique<std::uint16_t[]>(CheckedCast<std::uint16_t>(count)))
+    , FMask(std::bit_ceil(2U * CheckedCast<std::uint16_t>(count) + 1) - 1)
+    , FSlots(std::make_unique<std::uint16_t[]>(FMask + 1))
 {
-    std::uint16_t* const sorted = FSorted.get();
-    std::iota(sorted, sorted + count, std::uint16_t{0});
-    std::sort(sorted, sorted + count,
-        [this](std::uint16_t a, std::uint16_t b) { return CompareText(ValueName(a), ValueName(b)) < 0; });
+    for (std::uint16_t ordinal = 0; ordinal < count; ++ordinal) {
+        std::uint32_t slot = HashOf(ValueName(ordinal)) & FMask;
+        while (FSlots[slot] != 0)
+            slot = (slot + 1) & FMask;
+        FSlots[slot] = static_cast<std::uint16_t>(ordinal + 1);
+    }
 }
 
 std::u16string_view TEnumInfo::ValueName(std::int32_t ordinal) const noexcept
@@ -32,13 +48,12 @@ std::u16string_view TEnumInfo::ValueName(std::int32_t ordinal) const noexcept
 
 std::int32_t TEnumInfo::Find(std::u16string_view valueName) const noexcept
 {
-    const std::uint16_t* const sorted = FSorted.get();
-    const std::uint16_t* const end = sorted + FCount;
-    const std::uint16_t* const found =
-        std::lower_bound(sorted, end, valueName, [this](std::uint16_t ordinal, std::u16string_view name) {
-            return CompareText(ValueName(ordinal), name) < 0;
-        });
-    return found != end && SameText(ValueName(*found), valueName) ? *found : -1;
+    for (std::uint32_t slot = HashOf(valueName) & FMask; FSlots[slot] != 0; slot = (slot + 1) & FMask) {
+        const std::int32_t ordinal = FSlots[slot] - 1;
+        if (SameText(ValueName(ordinal), valueName))
+            return ordinal;
+    }
+    return -1;
 }
 
 }

@@ -126,7 +126,8 @@ private:
     std::int32_t FCount;
     const char16_t* FUnits;
     const std::uint16_t* FEnds;
-    std::unique_ptr<std::uint16_t[]> FSorted; // ordinals by name
+    std::uint32_t FMask; // number of slots, a power of two, less 1
+    std::unique_ptr<std::uint16_t[]> FSlots; // by the hash of the name: an ordinal and 1, or 0
 };
 
 /// The info of an enumeration that has traits.

@@ -7,11 +7,12 @@
 
 #include <bit>
 #include <new>
+#include <utility>
 
 namespace ht {
 
-/// Items in blocks that double in size, so that pointers to them hold until they are taken out. `[]` raises
-/// ERangeError outside the array.
+/// Items in blocks, so that pointers to them hold until they are taken out: the first block has the size that
+/// was asked for, those behind it double. `[]` raises ERangeError outside the array.
 template <class T> class TStableArray {
 public:
     TStableArray() = default;
@@ -29,13 +30,20 @@ public:
     }
     T& Last() const { return (*this)[FLength - 1]; }
 
+    /// Gives the first block room for just so many items; nothing once it is there, or below 1.
+    void Reserve(std::int32_t count) noexcept
+    {
+        if (!FBlock && count > 0)
+            FFirst = count;
+    }
     /// Appends. Lifetime: the item stays where it is until it is deleted.
-    T& Add(T item)
+    T& Add(T item) { return Emplace(std::move(item)); }
+    /// Appends what these arguments make.
+    template <class... Arguments> T& Emplace(Arguments&&... arguments)
     {
         const std::int32_t length = CheckedLength(static_cast<std::size_t>(FLength) + 1);
-        if (BlockOf(FLength) == FBlocks.Length())
-            AddBlock();
-        T* place = new (static_cast<void*>(PlaceOf(FLength))) T(std::move(item));
+        AddBlockFor(FLength);
+        T* place = new (static_cast<void*>(PlaceOf(FLength))) T(std::forward<Arguments>(arguments)...);
         FLength = length;
         return *place;
     }
@@ -48,9 +56,10 @@ public:
     {
         while (FLength > 0)
             PlaceOf(--FLength)->~T();
-        for (T* block : FBlocks)
+        memory::Free(std::exchange(FBlock, nullptr));
+        for (T* block : FMore)
             memory::Free(block);
-        FBlocks.Clear();
+        FMore.Clear();
     }
 
     class Iterator {
@@ -82,28 +91,41 @@ public:
     auto end() const noexcept { return Iterator(*this, FLength); }
 
 private:
-    static constexpr std::int32_t kFirst = 4; // items of the first block
+    static constexpr std::int32_t kSecond = 4; // items of the second block
 
-    static std::int32_t BlockOf(std::int32_t index) noexcept
+    /// Index in FMore of the block of an item that is not in the first: they have kSecond, 2 * kSecond,
+    /// 4 * kSecond... items.
+    std::int32_t MoreOf(std::int32_t index) const noexcept
     {
-        return static_cast<std::int32_t>(std::bit_width(static_cast<std::uint32_t>(index) / kFirst + 1)) - 1;
+        const auto behindFirst = static_cast<std::uint32_t>(index - FFirst);
+        return static_cast<std::int32_t>(std::bit_width(behindFirst / kSecond + 1)) - 1;
     }
-    /// The blocks in front have kFirst, 2 * kFirst, 4 * kFirst... items.
-    static std::int32_t StartOf(std::int32_t block) noexcept { return ((1 << block) - 1) * kFirst; }
     T* PlaceOf(std::int32_t index) const noexcept
     {
-        const std::int32_t block = BlockOf(index);
-        return FBlocks.data()[block] + (index - StartOf(block));
+        if (index < FFirst)
+            return FBlock + index;
+        const std::int32_t block = MoreOf(index);
+        return FMore.data()[block] + (index - FFirst - ((1 << block) - 1) * kSecond);
     }
-    void AddBlock()
+    void AddBlockFor(std::int32_t index)
     {
-        const std::size_t items = std::size_t{kFirst} << FBlocks.Length();
-        void* block = memory::Allocate(items * sizeof(T));
-        FBlocks.Add(static_cast<T*>(block));
+        if (index < FFirst) {
+            if (!FBlock)
+                FBlock = NewBlock(FFirst);
+        } else if (const std::int32_t block = MoreOf(index); block == FMore.Length()) {
+            FMore.Reserve(block + 1);
+            FMore.Add(NewBlock(kSecond << block));
+        }
+    }
+    static T* NewBlock(std::int32_t items)
+    {
+        return static_cast<T*>(memory::Allocate(static_cast<std::size_t>(items) * sizeof(T)));
     }
 
-    TArray<T*> FBlocks;
+    T* FBlock = nullptr; // the first
+    TArray<T*> FMore; // those behind it
     std::int32_t FLength = 0;
+    std::int32_t FFirst = 4; // items of the first block
 };
 
 }

@@ -52,10 +52,9 @@ void CopyUnits(char16_t* to, std::u16string_view from)
         *to = from.front();
 }
 
-template <class Fold> String Folded(const String& text, bool (*changes)(char16_t), Fold fold)
+template <class Changes, class Fold> String Folded(const String& text, Changes changes, Fold fold)
 {
-    const char16_t* first = std::find_if(text.begin(), text.end(), changes);
-    if (first == text.end())
+    if (std::none_of(text.begin(), text.end(), changes))
         return text;
     char16_t* units = nullptr;
     String result = String::Uninitialized(text.size(), units);
@@ -121,13 +120,15 @@ String String::Substring(std::int32_t start, std::int32_t count) const
 
 String String::ToLowerAscii() const
 {
-    return Folded(*this, IsAsciiUpper, FoldAscii);
+    return Folded(
+        *this, [](char16_t c) { return IsAsciiUpper(c); }, [](char16_t c) { return FoldAscii(c); });
 }
 
 String String::ToUpperAscii() const
 {
     return Folded(
-        *this, IsAsciiLower, [](char16_t c) { return IsAsciiLower(c) ? static_cast<char16_t>(c - 32) : c; });
+        *this, [](char16_t c) { return IsAsciiLower(c); },
+        [](char16_t c) { return IsAsciiLower(c) ? static_cast<char16_t>(c - 32) : c; });
 }
 
 String String::Trim() const
