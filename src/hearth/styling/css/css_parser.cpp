@@ -121,7 +121,7 @@ void TCSSParser::AddValue()
     ClearList();
     if (!ReadValueTokens(important) || FList.IsEmpty() || !CalcsFit({FList}, Limits.CalcTokens))
         return;
-    TCSSValue& value = FValues.Add({});
+    TCSSValue& value = FValues.Emplace();
     value.NameToken = std::move(name);
     value.Important = important;
     value.Section = CurrentSection.get();
@@ -212,7 +212,7 @@ void TCSSParser::StoreValues()
     values.Reserve(count);
     for (TCSSValue& value : FValues) {
         if (!IsDropped(value))
-            values.Add(std::move(value));
+            values.Emplace(std::move(value));
     }
     CurrentSection->Values = std::move(values);
     ClearValues();

@@ -73,7 +73,7 @@ private:
     /// Goes to the next ";" or "}", whatever is nested.
     void SkipValue();
     /// Takes the current token over to the working list.
-    void AddToken() { FList.Add(std::move(FTokenizer.Token)); }
+    void AddToken() { FList.Emplace(std::move(FTokenizer.Token)); }
     void ClearList() noexcept { FList.Clear(); }
     /// Takes the working list over.
     TCSSTokens ParseValue();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/styling/css/css_tokenizer.h>
 
+#include <hearth/foundation/hash_table.h>
 #include <hearth/runtime/text_case.h>
 
 #include <array>
@@ -91,11 +92,54 @@ private:
 
 }
 
+/// The names that were read last. Sheets say the same few words over and over: what is here costs no memory.
+class TCSSTokenizer::TNameCache {
+public:
+    const String& NameOf(std::u16string_view text)
+    {
+        String& name = FNames[SlotOf(text)];
+        if (name.size() != text.size() || !detail::SameUnits(name.data(), text.data(), text.size()))
+            name = String(text);
+        return name;
+    }
+
+private:
+    static constexpr unsigned kSlotBits = 9;
+
+    /// Looks at the ends and at the middle alone.
+    static std::size_t SlotOf(std::u16string_view text) noexcept
+    {
+        const std::size_t size = text.size();
+        if (size == 0)
+            return 0;
+        std::uint32_t hash = static_cast<std::uint32_t>(size);
+        hash = hash * 31 + text[0];
+        hash = hash * 31 + text[size / 2];
+        hash = hash * 31 + text[size - 1];
+        hash = hash * 31 + text[size - 1 - size / 4];
+        constexpr std::uint32_t kGolden = 0x9E3779B9;
+        return hash * kGolden >> (32 - kSlotBits);
+    }
+
+    std::array<String, std::size_t{1} << kSlotBits> FNames;
+};
+
 TCSSTokenizer::TCSSTokenizer(const String& Text, bool ReadNumbers)
     : FReader(Text)
     , FReadNumbers(ReadNumbers)
 {
+    constexpr std::int32_t kLongText = 2048; // units that pay for the making of a cache
+    if (Text.Length() >= kLongText)
+        FNames = std::make_unique<TNameCache>();
     FReader.SkipBlanks();
+}
+
+TCSSTokenizer::~TCSSTokenizer() = default;
+
+String TCSSTokenizer::NameFrom(const char16_t* start)
+{
+    const std::u16string_view text(start, static_cast<std::size_t>(FReader.p - start));
+    return FNames ? FNames->NameOf(text) : String(text);
 }
 
 void TCSSTokenizer::Next(TCSSTokenType type)
@@ -217,6 +261,23 @@ void TCSSTokenizer::ReadIdent()
 {
     Token.AsFloat = 0;
     Token.Color = 0;
+    const char16_t* start = FReader.p;
+    const char16_t* end = start;
+    while (IsCSSNameUnit(*end)) // the text ends in U+0000, which is none
+        ++end;
+    if (*end == u'\\') {
+        ReadEscapedIdent();
+    } else {
+        FReader.p = end;
+        Token.Name = NameFrom(start);
+    }
+    Token.CType = Token.Name.IsEmpty() ? ctSpace : ctIdent;
+    if (*FReader.p == u'(')
+        ReadFunction();
+}
+
+void TCSSTokenizer::ReadEscapedIdent()
+{
     Token.Name = String();
     NameBuilder name(*this, FReader, Token.Name);
     bool goesOn = true;
@@ -229,9 +290,6 @@ void TCSSTokenizer::ReadIdent()
             break;
     }
     name.Flush();
-    Token.CType = Token.Name.IsEmpty() ? ctSpace : ctIdent;
-    if (*FReader.p == u'(')
-        ReadFunction();
 }
 
 /// Behind a name, at "(".

@@ -66,7 +66,7 @@ void TCSSTokenizer::ReadNumber()
             FReader.Next();
     }
     ReadUnit();
-    Token.Name = String({start, static_cast<std::size_t>(FReader.p - start)});
+    Token.Name = NameFrom(start);
 }
 
 void TCSSTokenizer::ReadUnit()

@@ -55,6 +55,7 @@ bool Fits(const TCSSToken& token, const TCSSPropRec& longhand)
 void TCSSSection::Compile()
 {
     CompiledValues.Clear();
+    CompiledValues.Reserve(Values.Length());
     FCompiledCalcs.reset();
     FCompiling = true;
     try {
@@ -144,12 +145,12 @@ void detail::SectionCompiler::Copy()
     const bool isUnknownKeyword = FValue->PropRec->PropType == cptEnum
         && FValue->Tokens[0].Color == kUnknownKeywordMark && FValue->PropRec->Prop != cspFontWeight;
     if (!isUnknownKeyword)
-        FSection.CompiledValues.Add(*FValue);
+        FSection.CompiledValues.Emplace(*FValue);
 }
 
 void detail::SectionCompiler::Emit(const TCSSPropRec& property, const TCSSTokens& tokens)
 {
-    TCSSValue& value = FSection.CompiledValues.Add({});
+    TCSSValue& value = FSection.CompiledValues.Emplace();
     value.Name = property.Name;
     value.NameToken = FValue->NameToken;
     value.NameToken.Name = property.Name;

@@ -156,17 +156,17 @@ bool detail::PrepareValueOf(const TCSSPropRec& property, TCSSValue& value, TCSSS
 
 bool PrepareValue(TCSSValue& Value, TCSSSection& Section)
 {
-    const String& written = Value.NameToken.Name;
+    String& written = Value.NameToken.Name;
     Value.ApplyProc = vpNone;
     const TCSSPropRec* property = &CSSPropRec(written);
-    Value.Name = written.ToLowerAscii();
-    if (property->Prop == cspUnknown && !Value.Name.IsSame(written))
-        property = &CSSPropRec(Value.Name);
-    // The table's own text serves all values of its properties.
-    if (Value.Name == property->Name) {
-        if (written == property->Name)
-            Value.NameToken.Name = property->Name;
+    if (property->Prop != cspUnknown) {
+        // The table's own text serves all values.
+        written = property->Name;
         Value.Name = property->Name;
+    } else {
+        Value.Name = written.ToLowerAscii();
+        if (!Value.Name.IsSame(written))
+            property = &CSSPropRec(Value.Name);
     }
     Value.PropRec = property;
     return Value.Tokens.IsEmpty() || detail::PrepareValueOf(*property, Value, Section);
