@@ -105,7 +105,7 @@ class TCSSSelector;
 using TCSSSelectorTestProc = bool (TCSSSelector::*)(const TStyledHTMLNode& E, TCSSPseudo PS) const;
 
 /// One compound; Previous is the one on its left, so the rightmost stands for the whole selector.
-/// selector.cpp builds and prints, selector_test.cpp tests an element against one compound.
+/// selector.cpp builds, selector_text.cpp prints, selector_match.cpp tests an element against one compound.
 class HT_API TCSSSelector : public TObject {
 public:
     static constexpr TClassInfo kClassInfo{u"TCSSSelector", &TObject::kClassInfo};
@@ -113,15 +113,20 @@ public:
 
     /// Takes the compound on the left over.
     explicit TCSSSelector(std::unique_ptr<TCSSSelector> APrevious = nullptr);
-    /// However long the chain, without recursion.
+    TCSSSelector(const TCSSSelector&) = delete;
+    TCSSSelector& operator=(const TCSSSelector&) = delete;
+    /// However long the chain and however deep its Nots, without recursion.
     ~TCSSSelector() override;
 
-    void AddClass(std::u16string_view Name);
-    /// Unknown names become pcUnknown. `Arg` is the argument in parentheses, null without one.
+    /// Sets Tag, in lower case, and TagHash.
+    void SetTag(const String& Name);
+    void AddClass(const String& Name);
+    /// Unknown names become pcUnknown. `Arg` is the argument in parentheses, null without one. A pseudo-class
+    /// that is here already is passed over with its argument.
     void AddPseudo(std::u16string_view Name, const TCSSToken* Arg);
     /// Splits Condition into Conditions.
     void ParseCondition();
-    /// Chooses the cheapest test, here and in everything on the left.
+    /// Chooses the cheapest test, here and in everything on the left. Nots keep TestAll.
     void DetermineTestProc();
     /// 256 an id, 16 a class, a pseudo-class and the conditions, 1 a tag; summed over all compounds, less
     /// than 2^24.
@@ -129,7 +134,7 @@ public:
     /// The selector as text that reads back as the same.
     String AsString() const;
 
-    // Tests of this compound alone, on an element in the pseudo-classes PS.
+    // Tests of this compound alone, Nots apart, on an element in the pseudo-classes PS.
 
     bool TestUniversal(const TStyledHTMLNode& E, TCSSPseudo PS) const;
     bool TestTag(const TStyledHTMLNode& E, TCSSPseudo PS) const;
@@ -137,36 +142,47 @@ public:
     bool TestCondition(const TStyledHTMLNode& E, TCSSPseudo PS) const;
     bool TestClass(const TStyledHTMLNode& E, TCSSPseudo PS) const;
     bool TestTagClass(const TStyledHTMLNode& E, TCSSPseudo PS) const;
+    /// Knows nothing of pcNthOfType.
     bool TestPCCondition(const TStyledHTMLNode& E, TCSSPseudo PS) const;
+    /// Takes the place among the siblings on trust, but for pcNthChild.
     bool TestPCClass(const TStyledHTMLNode& E, TCSSPseudo PS) const;
     bool TestAll(const TStyledHTMLNode& E, TCSSPseudo PS) const;
+    /// A missing attribute decides at once: it passes "!=" alone.
     bool XTestCondition(const TStyledHTMLNode& E) const;
     /// The chosen test.
     bool Test(const TStyledHTMLNode& E, TCSSPseudo PS) const { return (this->*TestProc)(E, PS); }
 
-    TCSSPseudoClass FirstPseudo = pcNone;
+    // What matching reads comes first.
+
     TSelectorPosition Position = spDescendant;
     bool Universal = false; // the rightmost compound with the tag "*"
-    std::int32_t PseudoCount = 0;
+    TCSSPseudoClass FirstPseudo = pcNone;
+    TCSSSelectorTestProc TestProc = &TCSSSelector::TestAll;
     String Tag; // in lower case; "*" for any
     std::uint32_t TagHash = 0; // RSHash of Tag
-    String ID;
-    String Condition; // the text of all brackets
-    TArray<TCSSCondition> Conditions;
-    TClassesArray Classes;
     TCSSPseudo Pseudo;
-    std::int32_t NthChild = 0;
+    TClassesArray Classes;
     std::unique_ptr<TCSSSelector> Previous;
-    TArray<std::unique_ptr<TCSSSelector>> Nots;
     TCSSSection* Section = nullptr; // not owned
     std::uint32_t Weight = 0;
-    std::uint32_t Order = 0;
+    std::uint32_t Order = 0; // in the sheet of Section
+    TArray<std::unique_ptr<TCSSSelector>> Nots;
+    TArray<TCSSCondition> Conditions;
+    std::int32_t NthChild = 0;
+    std::int32_t PseudoCount = 0;
+    String ID;
+    String Condition; // the text of all brackets
     std::int32_t StartPos = 0; // of the whole selector, from 1
     std::int32_t EndPos = 0;
-    TCSSSelectorTestProc TestProc = &TCSSSelector::TestAll;
+
+private:
+    void ChooseTest();
+    bool HasClassesOf(const TStyledHTMLNode& E) const;
+    bool FitsPseudo(const TStyledHTMLNode& E, TCSSPseudo PS, TCSSPseudo places) const;
+    bool HasPlace(const TStyledHTMLNode& E, TCSSPseudoClass place) const;
 };
 
-/// Selectors of a rule, owned, or of one key of a map, not owned.
+/// The selectors of a rule.
 class HT_API TCSSSelectors : public THtObjectList {
 public:
     static constexpr TClassInfo kClassInfo{u"TCSSSelectors", &THtObjectList::kClassInfo};
@@ -175,9 +191,6 @@ public:
     using THtObjectList::THtObjectList;
 
     TCSSSelector* GetSelector(std::int32_t Index) const { return static_cast<TCSSSelector*>(Items(Index)); }
-    /// Adds a bare universal selector, or melts its rule into that of the first one of equal weight and
-    /// media; a later value then replaces the earlier one of its name.
-    void DistinctAdd(TCSSSelector* S);
 
     std::int32_t EndPos = 0;
 };
