@@ -99,6 +99,15 @@ protected:
     /// Puts an entry in front of `index`, which may be the count, whatever the order. Lifetime: until the
     /// list changes.
     TIDItem& InsertItem(std::int32_t index, std::int32_t id);
+    /// Appends an entry, whatever the order.
+    void AppendItem(const TIDItem& item)
+    {
+        if (FItems.size() == FItems.capacity()) [[unlikely]]
+            Grow();
+        FItems.push_back(item);
+    }
+    /// Drops all entries and keeps their memory.
+    void DropItems() noexcept { FItems.clear(); }
 
 private:
     std::size_t Checked(std::int32_t index) const

@@ -52,6 +52,7 @@ public:
     void ParseValues(const String& s, std::int64_t SetWeight);
     /// Files the selectors of another sheet here, behind those of this one.
     void Assign(TCSSStyleSheet& Source);
+    /// Files a selector of one of the sheet's own rules, which may melt into another.
     void AddSelector(TCSSSelector* S);
     void AddVariable(const String& Name, const TCSSTokens& Tokens);
     /// Appends an unprepared value of one token to the first rule; unknown properties are passed over.
@@ -104,6 +105,11 @@ public:
     const THtObjectList& Sections() const noexcept { return fSections; }
 
 private:
+    /// Counts a selector and answers its order in this sheet: its own where that is a low one.
+    std::uint32_t NextOrder(const TCSSSelector& S);
+    /// The maps that a selector is filed in.
+    TCSSStyleMaps& MapsOf(const TCSSSelector& S);
+
     THtObjectList fSections{true};
     THtObjectList FOwnMediaSets{true};
 
