@@ -15,7 +15,9 @@ void AddXPath(CLI::App& hearth);
 void AddEncode(CLI::App& hearth);
 void AddDecode(CLI::App& hearth);
 void AddEncoding(CLI::App& hearth);
+void AddCss(CLI::App& hearth);
 void AddColor(CLI::App& hearth);
+void AddMeasure(CLI::App& hearth);
 void AddFetch(CLI::App& hearth);
 void AddZip(CLI::App& hearth);
 void AddCompletions(CLI::App& hearth);
@@ -30,7 +32,9 @@ inline constexpr void (*kCommands[])(CLI::App& hearth) = {
     AddEncode,
     AddDecode,
     AddEncoding,
+    AddCss,
     AddColor,
+    AddMeasure,
 #if defined(HEARTH_NET)
     AddFetch,
 #endif

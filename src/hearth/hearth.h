@@ -30,6 +30,8 @@
 
 #include <hearth/xml/htxml.h>
 
+#include <hearth/styling/htmlcss.h>
+
 #if __has_include(<hearth/platform/htinet.h>)
 #include <hearth/platform/htinet.h> // a build without hearth::net does not install it
 #endif

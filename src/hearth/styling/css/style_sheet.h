@@ -11,6 +11,8 @@
 
 namespace ht {
 
+class TCSSCustomFontFamily;
+class TCSSParser;
 class TStyledHTMLNode;
 
 /// A custom property: its name and the tokens of its value.
@@ -105,6 +107,33 @@ public:
     const THtObjectList& Sections() const noexcept { return fSections; }
 
 private:
+    void AddRule(std::unique_ptr<TCSSSection> section, std::int64_t weight);
+    void Keep(std::unique_ptr<TCSSSection> section);
+    void AddCustomFont(const TCSSSection& section);
+    TCSSCustomFontFamily& NeedFamily(const String& name);
+    void AssignFonts(const TCSSStyleSheet& source);
+    void TakeImports(const TCSSParser& parser);
+    void TakeMediaSets(TCSSParser& parser);
+
+    /// Files a selector; CompileFolded follows when all of them are.
+    void File(TCSSSelector& selector);
+    void CompileFolded();
+    /// Calls `proc` with each group of maps that there is.
+    template <class Proc> void ForEachMaps(Proc proc)
+    {
+        for (TCSSStyleMaps* maps : {&Main, Before.get(), After.get(), Marker.get()}) {
+            if (maps)
+                proc(*maps);
+        }
+    }
+    template <class Proc> void ForEachMaps(Proc proc) const
+    {
+        for (const auto* maps :
+            std::initializer_list<const TCSSStyleMaps*>{&Main, Before.get(), After.get(), Marker.get()}) {
+            if (maps)
+                proc(*maps);
+        }
+    }
     /// Counts a selector and answers its order in this sheet: its own where that is a low one.
     std::uint32_t NextOrder(const TCSSSelector& S);
     /// The maps that a selector is filed in.
@@ -128,8 +157,8 @@ public:
     std::unique_ptr<THtObjectDictionary> CustomFonts; // of TCSSCustomFontFamily by name in lower case
     bool HasMediaQueries = false;
     bool HasMediaSizeQueries = false;
-    std::int32_t RefCounter =
-        0; // further owners of a shared self style sheet; above 0 means copy before a change
+    /// Further owners of a shared self style sheet; above 0 means copy before a change.
+    std::int32_t RefCounter = 0;
     std::uint32_t SelectorCounter = 10000; // the last Order given
     String URL; // relative imports are combined with it
     THtObjectList MediaSets{false}; // own and assigned

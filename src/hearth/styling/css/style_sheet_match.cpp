@@ -215,4 +215,23 @@ void TCSSStyleSheet::GetElementPseudoClasses(const TStyledHTMLNode& E, TCSSPseud
     search(Marker.get(), pcMarker);
 }
 
+void TCSSStyleSheet::GetAnimationSteps(std::u16string_view KeyFramesName, TArray<std::int32_t>& Steps) const
+{
+    Steps.Clear();
+    const TCSSKeyFrameList* list = KeyFrames ? KeyFrames->GetKeyFrameList(KeyFramesName) : nullptr;
+    for (std::int32_t i = 0; list && i < list->Count(); ++i)
+        Steps.Add(list->Get(i));
+}
+
+/// Frames stand above everything but "!important".
+void TCSSStyleSheet::GetAnimationSelectors(
+    std::u16string_view KeyFramesName, std::int32_t FrameIndex, TCSSWeightList& WL) const
+{
+    const TCSSKeyFrameList* list = KeyFrames ? KeyFrames->GetKeyFrameList(KeyFramesName) : nullptr;
+    if (!list || FrameIndex < 0 || FrameIndex >= list->Count())
+        return;
+    for (const TCSSValue& value : static_cast<const TCSSSection*>(list->GetObject(FrameIndex))->Values)
+        WL.AddValue(kImportantWeight, 0, &value);
+}
+
 }
