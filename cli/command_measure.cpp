@@ -116,8 +116,13 @@ std::string Print(const MeasureOptions& options)
 void AddMeasure(CLI::App& hearth)
 {
     CLI::App& command = AddCommand(hearth, "measure", "Read a length and print what it comes to",
-        "hearth measure 'calc(100% - 10px)' --parent 200\n"
-        "text: 0\n");
+        "hearth measure 1.5em --font-size 20\n"
+        "text: 1.5em\n"
+        "value: 1.5\n"
+        "unit: muEM\n"
+        "flags: mfNotAuto\n"
+        "fpixels: 30\n"
+        "pixels: 30");
     const auto options = std::make_shared<MeasureOptions>();
     command.add_option("TEXT", options->Text, "The length as in a style sheet")->type_name("")->required();
     command.add_option("--parent", options->Parent, "What a percentage refers to, in pixels")->type_name("N");

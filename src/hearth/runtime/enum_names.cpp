@@ -4,7 +4,6 @@
 
 #include <hearth/runtime/checked.h>
 
-#include <algorithm>
 #include <bit>
 
 namespace ht {
