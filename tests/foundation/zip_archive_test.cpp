@@ -371,8 +371,10 @@ TEST(cached_file_stream, reads_a_file_in_place)
     EXPECT_THROW(stream.SetSize(1), EStreamError);
     EXPECT_EQ(THtCachedFileStream(folder.NameOf("empty")).Bytes(), "");
     EXPECT_THROW(THtCachedFileStream(folder.NameOf("missing")), EFOpenError);
-    // What is cut off is not read.
+    // What is cut off is not read, nor shown.
+    THtCachedFileStream late(folder.NameOf("file"));
     fs::resize_file(folder.Of("file"), 3);
+    EXPECT_THROW(late.Bytes(), EStreamError);
     stream.SetPosition(0);
     EXPECT_EQ(stream.ReadRest(), "012");
 }

@@ -89,6 +89,7 @@ TEST(streams, writes_reads_and_cuts)
         EXPECT_THROW(file.Seek(-1, soBeginning), EStreamError);
         EXPECT_THROW(file.SetSize(-1), ERangeError);
     }
+    EXPECT_THROW(TFileStream(name, fmOpenWrite).ReadRest(), EReadError); // which is not the end of the file
     TFileStream readOnly(name, fmOpenRead);
     EXPECT_EQ(MessageOf<EWriteError>([&] { readOnly.WriteBuffer("x"); }), u"Stream write error");
     std::filesystem::remove(path);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/foundation/cached_file_stream.h>
 
+#include <hearth/runtime/checked.h>
+
 #include <sys/mman.h>
 
 namespace ht {
@@ -41,10 +43,12 @@ void THtCachedFileStream::SetSize(std::int64_t)
 
 std::string_view THtCachedFileStream::Bytes()
 {
-    const auto size = static_cast<std::size_t>(FSize);
+    const auto size = CheckedCast<std::size_t>(FSize);
     if (size == 0)
         return {};
     if (!FMapped) {
+        if (FFile.Size() < FSize)
+            throw EStreamError(Concat({u"File \"", FFile.FileName(), u"\" has shrunk"}));
         void* const mapped = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, FFile.Descriptor(), 0);
         if (mapped == MAP_FAILED)
             throw EStreamError(Concat({u"Cannot map file \"", FFile.FileName(), u"\""}));

@@ -29,8 +29,9 @@ public:
     std::int64_t Size() override { return FSize; }
     void SetSize(std::int64_t size) override;
 
-    /// All bytes, mapped on the first call. Throws EStreamError when the system cannot map them. Lifetime:
-    /// that of the stream.
+    /// All bytes, mapped on the first call; none for a file whose size the system does not know, which can
+    /// only be read. Throws EStreamError when the system cannot map them, or the file has shrunk since it was
+    /// opened. Lifetime: that of the stream.
     std::string_view Bytes();
 
 private:

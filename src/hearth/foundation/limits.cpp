@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include <hearth/foundation/limits.h>
 
+#include <hearth/runtime/zlib_stream.h>
+
 namespace ht {
+
+static_assert(THtLimits{}.InflateRatio == TZDecompressionStream::kDefaultMaxRatio);
 
 THtLimits& HtLimits() noexcept
 {

@@ -29,7 +29,7 @@ struct THtLimits {
     std::int64_t GifPixels = 1LL << 28; // pixels of one frame
     std::int64_t HttpBody = 256LL << 20; // bytes
     std::int32_t HttpRedirects = 10; // hops
-    std::int32_t InflateRatio = 200; // bytes out for one byte in
+    std::int32_t InflateRatio = 200; // bytes out for one byte in; ORDER kDefaultMaxRatio
 };
 
 /// The defaults of the process, for the host to change before it makes documents, parsers and engines. Who

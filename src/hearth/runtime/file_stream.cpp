@@ -82,7 +82,9 @@ std::int32_t TFileStream::Read(void* buffer, std::int32_t count)
 {
     const auto size = CheckedCast<std::size_t>(count);
     const ssize_t got = Persist([&] { return read(FDescriptor, buffer, size); });
-    return static_cast<std::int32_t>(std::max<ssize_t>(got, 0));
+    if (got < 0) // the end would look the same, and the rest of the file be lost without a word
+        throw EReadError();
+    return static_cast<std::int32_t>(got);
 }
 
 std::int32_t TFileStream::Write(const void* buffer, std::int32_t count)

@@ -51,9 +51,11 @@ public:
     static constexpr TClassInfo kClassInfo{u"TStream", &TObject::kClassInfo};
     const TClassInfo& ClassInfo() const override { return kClassInfo; }
 
-    /// Move up to `count` bytes from or to the position and return how many they were: 0 at the end, and when
-    /// the device fails. Throw ERangeError for a negative count.
+    /// Reads up to `count` bytes from the position and returns how many they were: 0 at the end alone. Throws
+    /// EReadError when the device fails, ERangeError for a negative count.
     virtual std::int32_t Read(void* buffer, std::int32_t count);
+    /// Writes up to `count` bytes at the position and returns how many they were: 0 when the device is full
+    /// or fails. Throws ERangeError for a negative count.
     virtual std::int32_t Write(const void* buffer, std::int32_t count);
     /// Moves the position and returns it; it may lie behind the end. Throws EStreamError in front of
     /// the start.

@@ -95,9 +95,11 @@ TZCompressionStream::TZCompressionStream(TStream& target, TZCompressionLevel lev
 
 TZCompressionStream::~TZCompressionStream()
 {
+    if (FIsBroken)
+        return;
     try {
         Finish();
-    } catch (const Exception&) {
+    } catch (...) {
         // Who wants to know has called Finish.
     }
 }
@@ -124,13 +126,15 @@ void TZCompressionStream::Finish()
 {
     if (FIsFinished)
         return;
-    FIsFinished = true; // also when the target fails: half of the data cannot be mended
     Run(nullptr, 0, Z_FINISH);
+    FIsFinished = true;
 }
 
 /// Output gathers until the buffer is full, or until all of it is wanted.
 void TZCompressionStream::Run(const void* bytes, std::int32_t count, int flush)
 {
+    if (FIsBroken)
+        throw EStreamError(u"The compressed data are damaged"_s);
     z_stream& z = FState->Z;
     z.next_in = InputOf(bytes);
     z.avail_in = static_cast<uInt>(count);
@@ -148,7 +152,9 @@ void TZCompressionStream::FlushBuffer()
     const auto count = static_cast<std::int64_t>(kBufferSize - z.avail_out);
     z.next_out = FState->Buffer.data();
     z.avail_out = kBufferSize;
+    FIsBroken = true; // unless the target takes all
     FTarget.WriteBuffer(FState->Buffer.data(), count);
+    FIsBroken = false;
 }
 
 // --- inflating
@@ -171,6 +177,7 @@ struct TZDecompressionStream::TState {
 TZDecompressionStream::TZDecompressionStream(TStream& source, TZFormat format, std::int32_t maxRatio)
     : FState(std::make_unique<TState>(format))
     , FSource(source)
+    , FFormat(format)
     , FMaxRatio(maxRatio)
     , FStart(source.Position())
 {
@@ -178,15 +185,31 @@ TZDecompressionStream::TZDecompressionStream(TStream& source, TZFormat format, s
 
 TZDecompressionStream::~TZDecompressionStream() = default;
 
-void TZDecompressionStream::Fill()
+/// Reads more behind what is waiting; false at the end of the source.
+bool TZDecompressionStream::TakeMore()
 {
     z_stream& z = FState->Z;
-    const std::int32_t count = FSource.Read(FState->Buffer.data(), kBufferSize);
+    std::uint8_t* const buffer = FState->Buffer.data();
+    std::copy_n(z.next_in, z.avail_in, buffer);
+    z.next_in = buffer;
+    const std::int32_t count =
+        FSource.Read(buffer + z.avail_in, static_cast<std::int32_t>(kBufferSize - z.avail_in));
     if (count <= 0)
-        throw EStreamError(u"The compressed data end too early"_s);
+        return false;
     FTaken += count;
-    z.next_in = FState->Buffer.data();
-    z.avail_in = static_cast<uInt>(count);
+    z.avail_in += static_cast<uInt>(count);
+    return true;
+}
+
+/// What is no member is the business of whoever wrote it there.
+bool TZDecompressionStream::HasNextMember()
+{
+    const z_stream& z = FState->Z;
+    while (FFormat == zfGzip && z.avail_in < 2) {
+        if (!TakeMore())
+            return false;
+    }
+    return FFormat == zfGzip && z.next_in[0] == 0x1F && z.next_in[1] == 0x8B;
 }
 
 /// What was taken counts, and not what is still waiting in the buffer.
@@ -204,19 +227,28 @@ std::int32_t TZDecompressionStream::Read(void* buffer, std::int32_t count)
     z_stream& z = FState->Z;
     z.next_out = static_cast<Bytef*>(buffer);
     z.avail_out = static_cast<uInt>(count);
-    while (z.avail_out > 0 && !FIsAtEnd) {
-        if (z.avail_in == 0)
-            Fill();
-        const uInt room = z.avail_out;
-        const int result = inflate(&z, Z_NO_FLUSH);
-        FPosition += room - z.avail_out;
-        CheckRatio();
-        FIsAtEnd = result == Z_STREAM_END;
-        if (!FIsAtEnd && result != Z_OK && result != Z_BUF_ERROR)
-            throw EStreamError(Concat(
-                {u"The compressed data are damaged: ", String::FromUtf8(z.msg ? z.msg : zError(result))}));
-    }
+    while (z.avail_out > 0 && !FIsAtEnd)
+        InflateSome();
     return count - static_cast<std::int32_t>(z.avail_out);
+}
+
+void TZDecompressionStream::InflateSome()
+{
+    z_stream& z = FState->Z;
+    if (z.avail_in == 0 && !TakeMore())
+        throw EStreamError(u"The compressed data end too early"_s);
+    const uInt room = z.avail_out;
+    const int result = inflate(&z, Z_NO_FLUSH);
+    FPosition += room - z.avail_out;
+    CheckRatio();
+    if (result == Z_STREAM_END) {
+        FIsAtEnd = !HasNextMember();
+        if (!FIsAtEnd)
+            RequireReady(inflateReset(&z));
+    } else if (result != Z_OK && result != Z_BUF_ERROR) {
+        throw EStreamError(
+            Concat({u"The compressed data are damaged: ", String::FromUtf8(z.msg ? z.msg : zError(result))}));
+    }
 }
 
 std::int64_t TZDecompressionStream::Seek(std::int64_t offset, TSeekOrigin origin)

@@ -26,7 +26,8 @@ public:
     TZCompressionStream& operator=(const TZCompressionStream&) = delete;
     ~TZCompressionStream() override;
 
-    /// Throws EStreamError behind Finish, EWriteError when the target takes less than all.
+    /// Throws EStreamError behind Finish, EWriteError when the target takes less than all. What the target
+    /// has lost cannot be made good: every later call throws EStreamError.
     std::int32_t Write(const void* buffer, std::int32_t count) override;
     /// Tells the position, which is the number of bytes written; throws EStreamError for any other move.
     std::int64_t Seek(std::int64_t offset, TSeekOrigin origin) override;
@@ -43,10 +44,12 @@ private:
     TStream& FTarget;
     std::int64_t FPosition = 0;
     bool FIsFinished = false;
+    bool FIsBroken = false;
 };
 
 /// Inflates what it reads from another stream, from that one's position on; the other stream must outlive it
-/// and is not owned. Reading may take more from it than the deflated data have.
+/// and is not owned. Reading may take more from it than the deflated data have. Several gzip members, one
+/// behind the other, are read as one.
 class HT_API TZDecompressionStream : public TStream {
 public:
     static constexpr TClassInfo kClassInfo{u"TZDecompressionStream", &TStream::kClassInfo};
@@ -55,8 +58,12 @@ public:
     /// So many bytes come out whatever the ratio is.
     static constexpr std::int64_t kFreeBytes = 1 << 20;
 
+    /// ORDER InflateRatio of THtLimits.
+    static constexpr std::int32_t kDefaultMaxRatio = 200;
+
     /// `maxRatio` bounds how many bytes come out for one that goes in; 0 is no bound.
-    explicit TZDecompressionStream(TStream& source, TZFormat format = zfZlib, std::int32_t maxRatio = 0);
+    explicit TZDecompressionStream(
+        TStream& source, TZFormat format = zfZlib, std::int32_t maxRatio = kDefaultMaxRatio);
     TZDecompressionStream(const TZDecompressionStream&) = delete;
     TZDecompressionStream& operator=(const TZDecompressionStream&) = delete;
     ~TZDecompressionStream() override;
@@ -72,11 +79,14 @@ private:
     struct TState;
 
     void Start();
-    void Fill();
+    bool TakeMore();
+    void InflateSome();
+    bool HasNextMember();
     void CheckRatio() const;
 
     std::unique_ptr<TState> FState;
     TStream& FSource;
+    TZFormat FFormat;
     std::int32_t FMaxRatio;
     std::int64_t FStart; // of the deflated data in the source
     std::int64_t FTaken = 0; // bytes taken from the source
