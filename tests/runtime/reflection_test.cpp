@@ -131,6 +131,14 @@ TEST(value, casts_between_related_types)
     EXPECT_EQ(TValue::From(3).Cast(TypeInfoOf<float>()).Get<float>(), 3.0F);
     EXPECT_EQ(TValue::From(u'a').Cast(TypeInfoOf<String>()).Get<String>(), u"a");
     EXPECT_THROW(TValue::From(0.5).Cast(TypeInfoOf<std::int32_t>()), EInvalidCast);
+    const TValue largest = TValue::From(std::numeric_limits<unsigned long long>::max());
+    EXPECT_EQ(largest.Cast(TypeInfoOf<std::uint64_t>()).ToString(), u"18446744073709551615");
+    EXPECT_EQ(TValue::FromText(*largest.TypeInfo(), largest.ToString()).AsExtended(), 18446744073709551615.0);
+    EXPECT_THROW(largest.Cast(TypeInfoOf<std::int64_t>()), ERangeError);
+    EXPECT_THROW(largest.Cast(TypeInfoOf<std::int32_t>()), ERangeError);
+    EXPECT_THROW(largest.AsInteger(), ERangeError);
+    EXPECT_THROW(largest.AsInt64(), ERangeError);
+    EXPECT_THROW(TValue::From(-1).Cast(TypeInfoOf<std::uint64_t>()), ERangeError);
     TBox box;
     TShape shape;
     EXPECT_EQ(TValue::From(&box).Cast(TypeInfoOf<TShape*>()).AsObject(), &box);
@@ -146,6 +154,8 @@ TEST(value, copies_own_what_they_hold)
     EXPECT_EQ(value.GetArrayElement(1).AsString(), u"bb");
     EXPECT_EQ(other.GetArrayElement(1).AsString(), u"c");
     EXPECT_THROW(other.GetArrayElement(2), ERangeError);
+    EXPECT_THROW(TValue::From(1).GetArrayElement(0), EInvalidCast);
+    EXPECT_THROW(TValue::From(TSet<TShade>()).GetArrayLength(), EInvalidCast);
     value = std::move(other);
     EXPECT_EQ(value.GetArrayLength(), 2);
     TValue text = TValue::From(String(std::u16string_view(u"kept")));
@@ -213,6 +223,17 @@ TEST(reflection, classes_know_their_ancestors_and_make_objects)
     EXPECT_EQ(TRttiContext::TypeOf(TStringList()), nullptr);
     type->GetProperty(u"Sold")->SetValue(made.get(), TValue::From(1.5));
     EXPECT_EQ(static_cast<TBox&>(*made).Sold(), 1.5);
+}
+
+TEST(reflection, a_description_that_fails_is_not_kept)
+{
+    struct TBroken {
+        std::int32_t A = 0;
+    };
+    const auto fail = []() -> std::u16string_view { throw EOutOfMemory(); };
+    EXPECT_THROW(
+        TRttiContext::Register<TBroken>().Field(u"A", &TBroken::A).Field(fail(), &TBroken::A), EOutOfMemory);
+    EXPECT_EQ(TRttiContext::GetType(TypeInfoOf<TBroken>()), nullptr);
 }
 
 TEST(reflection, threads_may_register_and_ask_at_once)

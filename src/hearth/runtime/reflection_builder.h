@@ -4,6 +4,7 @@
 
 #include <hearth/runtime/reflection.h>
 
+#include <exception>
 #include <type_traits>
 
 namespace ht {
@@ -20,7 +21,8 @@ public:
     TRttiBuilder(TRttiBuilder&&) noexcept = default;
     ~TRttiBuilder() noexcept(false)
     {
-        if (FType)
+        // A line that threw has left the description half done, and a type stays as it is for ever.
+        if (FType && std::uncaught_exceptions() == FExceptions)
             TRttiContext::Add(std::move(FType));
     }
 
@@ -146,6 +148,7 @@ private:
     }
 
     std::unique_ptr<TRttiType> FType;
+    int FExceptions = std::uncaught_exceptions();
 };
 
 template <class T> TRttiBuilder<T> TRttiContext::Register()

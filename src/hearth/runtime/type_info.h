@@ -64,6 +64,8 @@ public:
 
     /// The number of a value; unsigned ones of 64 bits as the same bits.
     virtual std::int64_t Ordinal(const void* value) const;
+    /// True when the bits stand for an unsigned number of 64 bits.
+    virtual bool IsUnsigned64() const noexcept { return false; }
     /// Throws ERangeError for a number that the type does not have.
     virtual void SetOrdinal(void* value, std::int64_t ordinal) const;
     /// Of an enumeration, and for a set that of its elements; null for all others and for one without traits.

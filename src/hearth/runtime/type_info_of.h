@@ -14,8 +14,8 @@
 
 namespace ht {
 
-/// The info of a type. Arithmetic types, String, enumerations, TSet, pointers to TObject descendants, TArray,
-/// and any copyable struct, which counts as a record.
+/// The info of a type. Numbers, bool, char16_t, String, enumerations, TSet, pointers to TObject descendants,
+/// TArray, and any copyable struct with a name of its own, which counts as a record.
 template <class T> const TTypeInfo& TypeInfoOf();
 
 namespace detail {
@@ -81,6 +81,10 @@ public:
     std::int64_t Ordinal(const void* value) const override
     {
         return static_cast<std::int64_t>(this->Of(value));
+    }
+    bool IsUnsigned64() const noexcept override
+    {
+        return std::unsigned_integral<T> && sizeof(T) == sizeof(std::uint64_t);
     }
     void SetOrdinal(void* value, std::int64_t ordinal) const override
     {
@@ -194,11 +198,19 @@ template <class T> std::u16string_view IntegerName()
 /// The name of an enumeration or record as it is declared.
 template <class T> String DeclaredName()
 {
-    if constexpr (EnumWithTraits<T>)
+    if constexpr (EnumWithTraits<T>) {
         return String(TEnumTraits<T>::kName);
-    else
+    } else {
+        static_assert(SpellType<T>().find('>') == std::string_view::npos,
+            "a record made by a template has no name of its own: derive a struct from it");
         return String::FromLatin1(SpellType<T>());
+    }
 }
+
+template <class T>
+inline constexpr bool kIsOtherCharacter =
+    std::is_same_v<T,
+        char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char8_t> || std::is_same_v<T, char32_t>;
 
 template <class T> struct TTypeInfoMaker {
     static const TTypeInfo& Get()
@@ -219,6 +231,7 @@ struct TTypeInfoMaker<T> {
 };
 
 template <std::integral T> struct TTypeInfoMaker<T> {
+    static_assert(!kIsOtherCharacter<T>, "characters are char16_t; bytes are std::uint8_t");
     static const TTypeInfo& Get()
     {
         static const TOrdinalType<T> info(sizeof(T) > 4 ? tkInt64 : tkInteger, String(IntegerName<T>()));

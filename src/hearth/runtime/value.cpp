@@ -67,7 +67,7 @@ String OrdinalText(const TTypeInfo& type, std::int64_t ordinal)
 {
     if (type.Kind() == tkWChar)
         return String(1, static_cast<char16_t>(ordinal));
-    if (type.Is<std::uint64_t>())
+    if (type.IsUnsigned64())
         return UIntToStr(static_cast<std::uint64_t>(ordinal));
     const TEnumInfo* names = type.Enumeration();
     const std::u16string_view name = names && std::in_range<std::int32_t>(ordinal)
@@ -175,8 +175,7 @@ TValue TValue::FromText(const TTypeInfo& type, const String& text)
         type.SetOrdinal(result.Data(), StrToInt64(text));
         break;
     case tkInt64:
-        type.SetOrdinal(
-            result.Data(), type.Is<std::uint64_t>() ? ReadUnsigned64(type, text) : StrToInt64(text));
+        type.SetOrdinal(result.Data(), type.IsUnsigned64() ? ReadUnsigned64(type, text) : StrToInt64(text));
         break;
     case tkWChar:
         if (text.Length() != 1)
@@ -220,8 +219,8 @@ double TValue::AsExtended() const
     if (Kind() != tkInteger && Kind() != tkInt64)
         throw EInvalidCast();
     const std::int64_t number = AsOrdinal();
-    return FType->Is<std::uint64_t>() ? static_cast<double>(static_cast<std::uint64_t>(number))
-                                      : static_cast<double>(number);
+    return FType->IsUnsigned64() ? static_cast<double>(static_cast<std::uint64_t>(number))
+                                 : static_cast<double>(number);
 }
 
 String TValue::AsString() const
@@ -245,24 +244,47 @@ TValue TValue::Cast(const TTypeInfo& type) const
         type.SetObject(result.Data(), AsObject());
         break;
     default:
-        type.SetOrdinal(result.Data(), AsOrdinal());
+        type.SetOrdinal(result.Data(), OrdinalFor(type.IsUnsigned64()));
         break;
     }
     return result;
 }
 
+/// Half of the numbers of 64 bits mean something else with a sign than without.
+std::int64_t TValue::OrdinalFor(bool isUnsigned64) const
+{
+    const std::int64_t ordinal = AsOrdinal();
+    if (ordinal < 0 && FType->IsUnsigned64() != isUnsigned64)
+        throw ERangeError();
+    return ordinal;
+}
+
+std::int32_t TValue::AsInteger() const
+{
+    return CheckedCast<std::int32_t>(AsInt64());
+}
+
+std::int64_t TValue::AsInt64() const
+{
+    return OrdinalFor(false);
+}
+
 TValue TValue::GetArrayElement(std::int32_t index) const
 {
-    // At() gives a place for writing too; here it is only read.
-    return OfType(*Type().Element(), Type().At(const_cast<void*>(Data()), index));
+    // It gives a place for writing too; here it is only read. What is no array ends here.
+    const void* const place = Type().At(const_cast<void*>(Data()), index);
+    return OfType(*Type().Element(), place);
 }
 
 void TValue::SetArrayElement(std::int32_t index, const TValue& value)
 {
-    void* place = Type().At(Data(), index);
-    TValue cast = value.Cast(*Type().Element());
-    cast.FType->Destroy(place);
-    cast.FType->Copy(cast.Data(), place);
+    void* const place = Type().At(Data(), index);
+    const TTypeInfo& type = *Type().Element();
+    TValue cast = value.Cast(type);
+    type.Destroy(place);
+    type.Relocate(cast.Data(), place); // unlike a copy it cannot fail in between
+    cast.FType = nullptr;
+    memory::Free(std::exchange(cast.FBlock, nullptr));
 }
 
 String TValue::ToString() const

@@ -24,8 +24,9 @@ public:
     /// The value that a type begins with.
     static TValue Initial(const TTypeInfo& type);
     static TValue FromOrdinal(const TTypeInfo& type, std::int64_t ordinal);
-    /// Reads what ToString writes of numbers, characters, texts, enumerations and sets. Throws EConvertError
-    /// for any other text and EInvalidCast for other types.
+    /// Reads what ToString writes of numbers, characters, texts, enumerations and sets. Throws ERangeError
+    /// for a number that the type does not have, EConvertError for any other text and EInvalidCast for other
+    /// types.
     static TValue FromText(const TTypeInfo& type, const String& text);
 
     bool IsEmpty() const noexcept { return FType == nullptr; }
@@ -44,10 +45,11 @@ public:
             throw EInvalidCast();
         return *static_cast<const T*>(Data());
     }
+    /// Unsigned numbers of 64 bits as the same bits.
     std::int64_t AsOrdinal() const { return Type().Ordinal(Data()); }
-    /// Of ordinals. Throws ERangeError for what 32 bits cannot hold.
-    std::int32_t AsInteger() const { return CheckedCast<std::int32_t>(AsOrdinal()); }
-    std::int64_t AsInt64() const { return AsOrdinal(); }
+    /// Of ordinals. Throw ERangeError for what 32 bits, or 64 with a sign, cannot hold.
+    std::int32_t AsInteger() const;
+    std::int64_t AsInt64() const;
     bool AsBoolean() const { return Get<bool>(); }
     /// Of floats and integers.
     double AsExtended() const;
@@ -79,6 +81,7 @@ private:
     static constexpr std::size_t kPlaceSize = 16;
 
     const TTypeInfo& Type() const;
+    std::int64_t OrdinalFor(bool isUnsigned64) const;
     bool IsInPlace() const noexcept { return FType && FType->Size() <= kPlaceSize; }
     /// Makes the value with `make`, which gets raw memory. Only for an empty value.
     template <class Make> void Fill(const TTypeInfo& type, Make make);
