@@ -52,6 +52,7 @@ std::string Send(const FetchOptions& options, ht::THtInetClient& client)
         RequireSuccess(options.Address, client);
         return text.ToUtf8();
     } catch (const ht::EHtInetException& error) {
+        RequireSuccess(options.Address, client); // 401 comes with the whole page
         throw FileError(options.Address, error.what());
     }
 }
@@ -81,8 +82,9 @@ void AddFetch(CLI::App& hearth)
     command.add_option("--user", options->User, "User and password of basic authentication")
         ->type_name("U:P")
         ->check([](const std::string& user) {
-            return user.find(':') != std::string::npos ? std::string()
-                                                       : "the user needs a colon and a password";
+            const std::size_t colon = user.find(':');
+            const bool complete = colon != std::string::npos && colon + 1 < user.size();
+            return complete ? std::string() : "the user needs a colon and a password";
         });
     command
         .add_option("--timeout", options->TimeOut,

@@ -14,9 +14,35 @@ namespace hearth_cli {
 
 namespace {
 
+/// The control character that begins here; 0 when there is none. From U+0080 on they have two bytes.
+unsigned ControlAt(const char* text) noexcept
+{
+    const auto byte = static_cast<unsigned char>(text[0]);
+    if (byte < ' ' || byte == 0x7F)
+        return byte;
+    const auto next = static_cast<unsigned char>(byte == 0xC2 ? text[1] : 0);
+    return next >= 0x80 && next < 0xA0 ? next : 0;
+}
+
+/// A message may quote a server or the name of a file, which must neither command the terminal nor end the
+/// line.
+void PrintInLine(const char* text) noexcept
+{
+    for (const char* c = text; *c; ++c) {
+        const unsigned control = ControlAt(c);
+        if (control == 0)
+            std::fputc(*c, stderr);
+        else
+            std::fprintf(stderr, "\\x%02X", control);
+        c += control >= 0x80 ? 1 : 0;
+    }
+}
+
 int Report(ExitStatus status, const char* message) noexcept
 {
-    std::fprintf(stderr, "hearth: %s\n", message);
+    std::fputs("hearth: ", stderr);
+    PrintInLine(message);
+    std::fputc('\n', stderr);
     return status;
 }
 
@@ -26,7 +52,9 @@ int ReportRefusal(const ht::Exception& exception) noexcept
     std::fputs("hearth: ", stderr);
     for (const char16_t* name = exception.ClassName(); *name; ++name)
         std::fputc(static_cast<char>(*name), stderr);
-    std::fprintf(stderr, ": %s\n", exception.what());
+    std::fputs(": ", stderr);
+    PrintInLine(exception.what());
+    std::fputc('\n', stderr);
     return esRefused;
 }
 

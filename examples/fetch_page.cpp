@@ -3,6 +3,7 @@
 #include <hearth/hearth.h>
 
 #include <iostream>
+#include <string_view>
 
 int main(int argc, char** argv)
 {
@@ -14,13 +15,16 @@ int main(int argc, char** argv)
     client.SecurityPolicy = ht::spStrict;
     client.TimeOut = 10'000;
     try {
-        const ht::String markup = client.Get(ht::String::FromUtf8(argv[1]));
+        const ht::TBytes bytes = client.GetBytes(ht::String::FromUtf8(argv[1]));
         if (client.ResponseCode != 200) {
             std::cerr << "the server answers with status " << client.ResponseCode << '\n';
             return 1;
         }
+        const std::string_view view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        const ht::THtmlPageText text =
+            ht::THtmlParser::DecodePage(view, ht::CharsetOfContentType(client.ResponseContentType));
         ht::THtmlNode page;
-        page.Parse(markup);
+        page.Parse(text.Text, text.IsDecoded);
         std::cout << page.GetInnerText().ToUtf8() << '\n';
     } catch (const ht::EHtInetException& error) {
         std::cerr << error.what() << '\n';

@@ -123,6 +123,7 @@ PRINTED = [
 REFUSED = [
     (("html", "missing.html"), b"", 3, "hearth: missing.html: No such file or directory"),
     (("html", "folder"), b"", 3, "hearth: folder: Is a directory"),
+    (("html", "a\x1b[2J\nb\x9bm\x7f é"), b"", 3, "hearth: a\\x1B[2J\\x0Ab\\x9Bm\\x7F é: No such file"),
     (("html", ""), b"", 3, "No such file"),
     (("html", "-o", "folder"), b"", 3, "hearth: folder: Is a directory"),
     (("html", "-o", "missing/page.html"), b"", 3, "hearth: missing/page.html: No such file or directory"),
@@ -201,6 +202,7 @@ class Pages(BaseHTTPRequestHandler):
         "/marked": ("text/html; charset=koi8-r", PAGE.encode("utf-8-sig")),
         "/unsaid": ("text/html", (META.format("windows-1251") + PAGE).encode("cp1251")),
         "/bytes": ("image/gif", bytes(range(256))),
+        "/secret": ("text/plain", b"\x1b[2J\x1b]0;mine\x07"),
     }
 
     def answer(self):
@@ -209,7 +211,7 @@ class Pages(BaseHTTPRequestHandler):
         if self.path == "/echo":
             told = (self.command, self.headers.get("Content-Type", "-"), self.headers.get("Authorization", "-"))
             page = " ".join(told).encode() + b" " + body
-        self.send_response(200 if page else 404)
+        self.send_response(401 if self.path == "/secret" else 200 if page else 404)
         self.send_header("Content-Type", kind)
         self.send_header("Content-Length", str(len(page)))
         self.end_headers()
@@ -443,6 +445,9 @@ class Addresses(InFolder):
             (("fetch", self.server + "/" + "x" * 4096), 3, "the address is too long"),
             (("fetch",), 2, "URL"),
             (("fetch", self.server, "--user", "joe"), 2, "colon"),
+            (("fetch", self.server, "--user", "joe:"), 2, "a password"),
+            (("fetch", self.server + "/secret"), 3, "status 401\n"),
+            (("fetch", self.server + "/secret", "--post", "x"), 3, "status 401\n"),
             (("fetch", self.server, "--post", "x", "--delete"), 2, "excludes"),
         ]
         before = sorted(self.folder.iterdir())
