@@ -70,6 +70,17 @@ class Checks(unittest.TestCase):
                 else:
                     self.assertEqual(findings, [])
 
+    def test_the_whole_library_is_one_include(self):
+        with tempfile.TemporaryDirectory() as folder:
+            headers = Path(folder) / "src" / "hearth"
+            (headers / "runtime").mkdir(parents=True)
+            (headers / "hearth.h").write_text(HEADER + "#include <hearth/runtime/a.h>\n", encoding="utf-8")
+            (headers / "runtime" / "a.h").write_text(HEADER + "#include <hearth/runtime/b.h>\n", encoding="utf-8")
+            for name in ("b.h", "b_p.h", "lost.h"):
+                (headers / "runtime" / name).write_text(HEADER, encoding="utf-8")
+            self.assertEqual(check_headers.check(folder),
+                             [f"{headers}/runtime/lost.h:1: hearth.h does not lead to this header"])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,9 +1,10 @@
-// The public face of the foundation's texts, lists, conversions, colours and limits.
+// The public face of the foundation's texts, lists, files, archives, conversions, colours and limits.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <hearth/foundation/base64.h>
 #include <hearth/foundation/bytes.h>
+#include <hearth/foundation/cached_file_stream.h>
 #include <hearth/foundation/checksums.h>
 #include <hearth/foundation/color_math.h>
 #include <hearth/foundation/colors.h>
@@ -24,3 +25,4 @@
 #include <hearth/foundation/system_colors.h>
 #include <hearth/foundation/text_words.h>
 #include <hearth/foundation/url_text.h>
+#include <hearth/foundation/zip_archive.h>
