@@ -36,8 +36,8 @@ void ComparePrinted(const TCSSSection& section)
     const std::int32_t count = section.Selectors->Count();
     fuzz::Require(count == 0 || (again && again->Selectors->Count() == count), "as many selectors");
     for (std::int32_t i = 0; i < count; ++i) {
-        fuzz::Require(plain::SameSelector(
-                          *section.Selectors->GetSelector(i), *again->Selectors->GetSelector(i)),
+        fuzz::Require(
+            plain::SameSelector(*section.Selectors->GetSelector(i), *again->Selectors->GetSelector(i)),
             "the same selector");
     }
     fuzz::Require(count == 0 || Printed(*again) == text, "the same text");
