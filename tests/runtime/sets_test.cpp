@@ -21,7 +21,9 @@ namespace {
 
 using TWideSet = TSet<TWide, 130>;
 
-static_assert(sizeof(TSet<TShade>) == sizeof(std::uint64_t));
+static_assert(sizeof(TSet<TShade>) == 1 && sizeof(TSet<TShade, 9>) == 2 && sizeof(TSet<TShade, 17>) == 4);
+static_assert(sizeof(TSet<TShade, 33>) == 8 && sizeof(TSet<TShade, 65>) == 16);
+static_assert(TSet<TShade>::All().Size() == 4 && TSet<TShade, 16>::All().Size() == 16);
 static_assert((TSet<TShade>{shPlain, shB} - TSet<TShade>{shB}) == TSet<TShade>{shPlain});
 
 TEST(sets, values_on_both_sides_of_a_word)
