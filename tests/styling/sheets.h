@@ -16,19 +16,7 @@ namespace ht::test {
 /// Adds the rules of a text.
 inline void Fill(TCSSStyleSheet& sheet, const String& css, std::int64_t setWeight = kOwnWeight)
 {
-    TCSSParser parser(css);
-    while (parser.NextSection()) {
-        TCSSSection* section = parser.CurrentSection.release();
-        sheet.Sections().Add(section);
-        for (std::int32_t i = 0; i < section->Selectors->Count(); ++i) {
-            TCSSSelector* selector = section->Selectors->GetSelector(i);
-            selector->Weight =
-                static_cast<std::uint32_t>(setWeight == kOwnWeight ? selector->CalcWeight() : setWeight);
-            sheet.AddSelector(selector);
-        }
-    }
-    while (parser.MediaSets.Count() > 0)
-        sheet.MediaSets.Add(parser.MediaSets.Extract(parser.MediaSets.First()));
+    sheet.Parse(css, setWeight);
 }
 
 inline void Fill(TCSSStyleSheet& sheet, std::string_view css, std::int64_t setWeight = kOwnWeight)
