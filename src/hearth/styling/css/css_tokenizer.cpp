@@ -14,7 +14,7 @@ namespace {
 /// What a single unit says as a token's name, without memory for each.
 template <std::size_t... Units> consteval auto MakeUnitNames(std::index_sequence<Units...>)
 {
-    constexpr auto nameOf = [](std::size_t unit) {
+    const auto nameOf = [](std::size_t unit) {
         detail::StaticName name(u"?");
         name.units[0] = static_cast<char16_t>(unit);
         return name;

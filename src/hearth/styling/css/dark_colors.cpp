@@ -165,8 +165,8 @@ bool Darken(TCSSValue& value)
 
 void TCSSStyleSheet::ConvertLighttoDark()
 {
-    for (std::int32_t i = 0; i < fSections.Count(); ++i) {
-        auto& section = static_cast<TCSSSection&>(*fSections[i]);
+    for (std::int32_t i = 0; i < FSections.Count(); ++i) {
+        auto& section = static_cast<TCSSSection&>(*FSections[i]);
         bool changed = false;
         for (TCSSValue& value : section.Values)
             changed = Darken(value) || changed;

@@ -83,7 +83,7 @@ void WriteTag(TFastString& text, const TCSSSelector& compound)
 /// be.
 void WriteBrackets(TFastString& text, std::u16string_view condition)
 {
-    constexpr auto isPlain = [](std::u16string_view part) {
+    const auto isPlain = [](std::u16string_view part) {
         return std::all_of(part.begin(), part.end(), [](char16_t unit) {
             return IsNameUnit(unit)
                 || std::u16string_view(u"=^$*~|!").find(unit) != std::u16string_view::npos;

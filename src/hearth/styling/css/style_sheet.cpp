@@ -105,12 +105,12 @@ void TCSSStyleSheet::AddRule(std::unique_ptr<TCSSSection> section, std::int64_t 
         File(selector);
     }
     if (!HoldsValues(rule))
-        fSections.Remove(&rule);
+        FSections.Remove(&rule);
 }
 
 void TCSSStyleSheet::Keep(std::unique_ptr<TCSSSection> section)
 {
-    fSections.Add(section.get());
+    FSections.Add(section.get());
     section.release();
 }
 
@@ -136,8 +136,8 @@ void TCSSStyleSheet::TakeMediaSets(TCSSParser& parser)
 
 void TCSSStyleSheet::Assign(TCSSStyleSheet& Source)
 {
-    for (std::int32_t i = 0; i < Source.fSections.Count(); ++i) {
-        const auto& section = static_cast<const TCSSSection&>(*Source.fSections[i]);
+    for (std::int32_t i = 0; i < Source.FSections.Count(); ++i) {
+        const auto& section = static_cast<const TCSSSection&>(*Source.FSections[i]);
         for (std::int32_t k = 0; k < section.Selectors->Count(); ++k) {
             TCSSSelector* selector = section.Selectors->GetSelector(k);
             MapsOf(*selector).AddSelector(selector, foKeep, NextOrder(*selector));
@@ -207,7 +207,7 @@ void TCSSStyleSheet::AddVariable(const String& Name, const TCSSTokens& Tokens)
 void TCSSStyleSheet::AddInlineValue(const String& PropName, const String& PropValue)
 {
     const auto* property = static_cast<const TCSSPropRec*>(CSSPropDictionary().Get(PropName));
-    if (fSections.Count() == 0 || !property)
+    if (FSections.Count() == 0 || !property)
         return;
     TCSSTokenizer tokenizer(PropValue);
     tokenizer.NextToken();
@@ -219,32 +219,32 @@ void TCSSStyleSheet::AddInlineValue(const String& PropName, const String& PropVa
     value.NameToken.Name = PropName;
     value.PropRec = property;
     value.Tokens = TCSSTokens(std::span(&tokenizer.Token, 1));
-    static_cast<TCSSSection&>(*fSections[0]).AddValue(value);
+    static_cast<TCSSSection&>(*FSections[0]).AddValue(value);
 }
 
 void TCSSStyleSheet::Clear()
 {
     ForEachMaps([](TCSSStyleMaps& maps) { maps.Clear(); });
-    fSections.Clear();
+    FSections.Clear();
     if (KeyFrames)
         KeyFrames->Clear();
 }
 
 void TCSSStyleSheet::ClearSection(const String& Selector)
 {
-    for (std::int32_t i = fSections.Count() - 1; i >= 0; --i) {
-        auto& section = static_cast<TCSSSection&>(*fSections[i]);
+    for (std::int32_t i = FSections.Count() - 1; i >= 0; --i) {
+        auto& section = static_cast<TCSSSection&>(*FSections[i]);
         if (section.Selectors->Count() == 0 || section.Selectors->GetSelector(0)->AsString() != Selector)
             continue;
         ForEachMaps([&section](TCSSStyleMaps& maps) { maps.RemoveSection(section); });
-        fSections.Delete(i);
+        FSections.Delete(i);
     }
 }
 
 void TCSSStyleSheet::ClearProp(std::u16string_view Name)
 {
-    for (std::int32_t i = 0; i < fSections.Count(); ++i) {
-        auto& section = static_cast<TCSSSection&>(*fSections[i]);
+    for (std::int32_t i = 0; i < FSections.Count(); ++i) {
+        auto& section = static_cast<TCSSSection&>(*FSections[i]);
         const std::int32_t before = section.Values.Length();
         for (std::int32_t k = before - 1; k >= 0; --k) {
             if (SameText(section.Values[k].Name, Name))
@@ -274,8 +274,8 @@ bool TCSSStyleSheet::TestMediaSets(TCSSMedia M, std::int64_t AMediaWidth, std::i
 
 TCSSTokens TCSSStyleSheet::ValuebyName(std::u16string_view PropName) const
 {
-    for (std::int32_t i = 0; i < fSections.Count(); ++i) {
-        const auto& section = static_cast<const TCSSSection&>(*fSections[i]);
+    for (std::int32_t i = 0; i < FSections.Count(); ++i) {
+        const auto& section = static_cast<const TCSSSection&>(*FSections[i]);
         TCSSTokens tokens = section.ValuebyName(PropName);
         if (!tokens.IsEmpty())
             return tokens;

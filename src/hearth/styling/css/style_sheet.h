@@ -103,8 +103,8 @@ public:
     void ConvertLighttoDark();
     static String LighttoDark(const String& s, TCSSPrinting printing = cpPlain);
 
-    THtObjectList& Sections() noexcept { return fSections; }
-    const THtObjectList& Sections() const noexcept { return fSections; }
+    THtObjectList& Sections() noexcept { return FSections; }
+    const THtObjectList& Sections() const noexcept { return FSections; }
 
 private:
     void AddRule(std::unique_ptr<TCSSSection> section, std::int64_t weight);
@@ -139,7 +139,7 @@ private:
     /// The maps that a selector is filed in.
     TCSSStyleMaps& MapsOf(const TCSSSelector& S);
 
-    THtObjectList fSections{true};
+    THtObjectList FSections{true};
     THtObjectList FOwnMediaSets{true};
 
 public:

@@ -62,8 +62,8 @@ private:
 String TCSSStyleSheet::AsString(TCSSPrinting printing) const
 {
     SheetWriter writer(printing);
-    for (std::int32_t i = 0; i < fSections.Count(); ++i)
-        writer.Write(static_cast<const TCSSSection&>(*fSections[i]));
+    for (std::int32_t i = 0; i < FSections.Count(); ++i)
+        writer.Write(static_cast<const TCSSSection&>(*FSections[i]));
     return writer.Finish();
 }
 
@@ -86,8 +86,8 @@ String TCSSStyleSheet::AsInlineString(TCSSPrinting printing) const
 
 void TCSSStyleSheet::Minify()
 {
-    for (std::int32_t i = 0; i < fSections.Count(); ++i)
-        static_cast<TCSSSection&>(*fSections[i]).Minify();
+    for (std::int32_t i = 0; i < FSections.Count(); ++i)
+        static_cast<TCSSSection&>(*FSections[i]).Minify();
 }
 
 }
